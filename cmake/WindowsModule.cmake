@@ -1,0 +1,43 @@
+# What every DLL and program of the project shares.
+
+# project_target(<target>): language, warnings, hardening.
+function(project_target target)
+  target_compile_features(${target} PUBLIC cxx_std_17)
+  set_target_properties(${target} PROPERTIES CXX_EXTENSIONS OFF)
+  target_compile_definitions(${target} PRIVATE NOMINMAX WIN32_LEAN_AND_MEAN _WIN32_WINNT=0x0601 WINVER=0x0601)
+  if(MSVC)
+    target_compile_options(${target} PRIVATE /W4 /utf-8 /permissive- /Zc:__cplusplus)
+    target_link_options(${target} PRIVATE /DYNAMICBASE /HIGHENTROPYVA /NXCOMPAT)
+  else()
+    target_compile_options(${target} PRIVATE $<$<COMPILE_LANGUAGE:CXX>:-Wall;-Wextra;-Wpedantic;-Wshadow;-Wconversion>)
+    # Log lines name their source file as the repository does, wherever that was built.
+    target_compile_options(${target} PRIVATE $<$<COMPILE_LANGUAGE:CXX>:-ffile-prefix-map=${PROJECT_SOURCE_DIR}/=>)
+    target_link_options(${target} PRIVATE -Wl,--dynamicbase,--high-entropy-va,--nxcompat)
+  endif()
+endfunction()
+
+# windows_target(<target> <description>): the same, with a version resource that says what the file is.
+function(windows_target target description)
+  project_target(${target})
+  get_target_property(type ${target} TYPE)
+  set(extension dll)
+  set(file_type VFT_DLL)
+  if(type STREQUAL EXECUTABLE)
+    set(extension exe)
+    set(file_type VFT_APP)
+  endif()
+  set(file_name ${target}.${extension})
+  configure_file(${PROJECT_SOURCE_DIR}/cmake/version.rc.in ${CMAKE_CURRENT_BINARY_DIR}/${target}.rc @ONLY)
+  target_sources(${target} PRIVATE ${CMAKE_CURRENT_BINARY_DIR}/${target}.rc)
+endfunction()
+
+# The C++ run-time library of mingw-w64 is shared by all modules; its DLLs stand beside them.
+if(MINGW)
+  foreach(dll libstdc++-6.dll libgcc_s_seh-1.dll libwinpthread-1.dll)
+    execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${dll} OUTPUT_VARIABLE path OUTPUT_STRIP_TRAILING_WHITESPACE)
+    if(NOT EXISTS "${path}")
+      message(FATAL_ERROR "${CMAKE_CXX_COMPILER} does not say where ${dll} is.")
+    endif()
+    configure_file("${path}" "${PROJECT_BINARY_DIR}/bin/${dll}" COPYONLY)
+  endforeach()
+endif()

@@ -1,0 +1,83 @@
+#include "output.h"
+
+#include <windows.h>
+
+#include <algorithm>
+
+#include "unicode.h"
+
+namespace driverlist {
+namespace {
+
+/// Zero, or the error of Windows.
+DWORD WriteBytes(HANDLE file, const std::string& text) {
+  constexpr std::size_t chunk = 1 << 20;
+  for (std::size_t at = 0; at < text.size();) {
+    DWORD written = 0;
+    if (!WriteFile(file, text.data() + at, static_cast<DWORD>(std::min(chunk, text.size() - at)), &written, nullptr)) {
+      return GetLastError();
+    }
+    if (written == 0) return ERROR_DISK_FULL;
+    at += written;
+  }
+  return ERROR_SUCCESS;
+}
+
+DWORD WriteConsoleText(HANDLE console, const std::string& text) {
+  // A console takes 64 KiB at a time at most.
+  constexpr std::size_t chunk = 8192;
+  const std::wstring wide = WideFromUtf8(text);
+  for (std::size_t at = 0; at < wide.size(); at += chunk) {
+    DWORD written = 0;
+    const auto count = static_cast<DWORD>(std::min(chunk, wide.size() - at));
+    if (!WriteConsoleW(console, wide.data() + at, count, &written, nullptr)) return GetLastError();
+  }
+  return ERROR_SUCCESS;
+}
+
+bool IsConsole(HANDLE handle) {
+  DWORD mode = 0;
+  return GetConsoleMode(handle, &mode) != FALSE;
+}
+
+DWORD WriteStandard(DWORD which, const std::string& text) {
+  const HANDLE handle = GetStdHandle(which);
+  return IsConsole(handle) ? WriteConsoleText(handle, text) : WriteBytes(handle, text);
+}
+
+std::string Problem(DWORD error) { return error == ERROR_SUCCESS ? std::string() : ErrorText(error); }
+
+/// Zero, or the error of Windows.
+DWORD WriteNewFile(const std::wstring& path, const std::string& text) {
+  const HANDLE file =
+      CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+  if (file == INVALID_HANDLE_VALUE) return GetLastError();
+  DWORD error = WriteBytes(file, text);
+  if (error == ERROR_SUCCESS && !FlushFileBuffers(file)) error = GetLastError();
+  if (!CloseHandle(file) && error == ERROR_SUCCESS) error = GetLastError();
+  return error;
+}
+
+}  // namespace
+
+std::size_t TerminalWidth() {
+  CONSOLE_SCREEN_BUFFER_INFO info{};
+  if (!GetConsoleScreenBufferInfo(GetStdHandle(STD_OUTPUT_HANDLE), &info)) return 0;
+  return static_cast<std::size_t>(std::max(0, info.srWindow.Right - info.srWindow.Left + 1));
+}
+
+std::string WriteStandardOutput(const std::string& text) { return Problem(WriteStandard(STD_OUTPUT_HANDLE, text)); }
+
+void WriteStandardError(const std::string& text) { WriteStandard(STD_ERROR_HANDLE, text); }
+
+std::string WriteFileWhole(const std::string& path, const std::string& text) {
+  const std::wstring target = WideFromUtf8(path);
+  const std::wstring draft = target + L"." + std::to_wstring(GetCurrentProcessId()) + L".tmp";
+  DWORD error = WriteNewFile(draft, text);
+  if (error == ERROR_SUCCESS && !MoveFileExW(draft.c_str(), target.c_str(), MOVEFILE_REPLACE_EXISTING))
+    error = GetLastError();
+  if (error != ERROR_SUCCESS) DeleteFileW(draft.c_str());
+  return Problem(error);
+}
+
+}  // namespace driverlist

@@ -1,0 +1,23 @@
+/// @file
+/// Where the program's UTF-8 goes.
+#pragma once
+
+#include <cstddef>
+#include <string>
+
+namespace driverlist {
+
+/// Characters of a line of the terminal behind standard output; 0 when there is none.
+std::size_t TerminalWidth();
+
+/// Writes `text` to standard output. Returns an empty text, or what went wrong.
+std::string WriteStandardOutput(const std::string& text);
+
+/// Writes `text` to standard error; there is nowhere to tell that it failed.
+void WriteStandardError(const std::string& text);
+
+/// Makes `text` the content of the file at `path` (UTF-8): whole, or not at all, in which case a former file stays as it is.
+/// Returns an empty text, or what went wrong.
+std::string WriteFileWhole(const std::string& path, const std::string& text);
+
+}  // namespace driverlist

@@ -1,0 +1,135 @@
+#include "devicediscovery.h"
+
+#include <windows.h>
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+#include "handles.h"
+#include "logline.h"
+#include "platformtext.h"
+
+namespace Orvane {
+namespace {
+
+// Names of platform components: the same on every machine that has them, with or without a driver.
+const std::string IntelGpio = "INTC-VOKTA_IALPSS2_GPIO2_MTL_0000-0000-0000-0000";
+const std::string IntelEventFilter = "INTC-VOKTA_HIDEVENTFILTER_0000-0000-0000-0000";
+const std::string AmdGpio = "AMD-VOKTA_AMDGPIO2_0000-0000-0000-0000";
+const std::string AmdUart = "AMD-VOKTA_AMDUART_0000-0000-0000-0000";
+const std::string AmdI2c = "AMD-VOKTA_AMDI2C_0000-0000-0000-0000";
+const std::string AmdDrtm = "AMD-VOKTA_AMDDRTM_0000-0000-0000-0000";
+
+bool IsIntelGpio(const PciDeviceRecord& device) {
+  return device.vendor_id == "INTC" && (device.device_id == "105E" || device.device_id == "1083");
+}
+
+bool IsIntelEventFilter(const PciDeviceRecord& device) {
+  static const std::array<std::string, 12> deviceIds = {"1051", "1054", "1070", "1076", "1077", "1078",
+                                                        "107B", "10CB", "10CC", "10F1", "10F2", "110E"};
+  return device.vendor_id == "INTC" &&
+         std::find(deviceIds.begin(), deviceIds.end(), device.device_id) != deviceIds.end();
+}
+
+/// A driver package that leaves nothing but a version value in the registry.
+struct RegistryPackage {
+  /// Path below HKEY_LOCAL_MACHINE, in the 64-bit view.
+  const char* key;
+  const char* value;
+  const char* name;
+  const char* description;
+  const char* provider;
+  bool logsQueryFailure;
+  /// Null for a package whose success is not logged.
+  const char* successLine;
+};
+
+constexpr RegistryPackage IntelChipset = {
+    "SOFTWARE\\Intel\\InfInst\\", "Version", "intel_chipset", "Intel chipset Driver", "Intel", false, nullptr};
+constexpr RegistryPackage AmdChipset = {"SOFTWARE\\WOW6432Node\\AMD\\AMD_Chipset_Drivers\\",
+                                        "ProductVersion",
+                                        "amd_chipset",
+                                        "Amd chipset Driver",
+                                        "Amd",
+                                        true,
+                                        "success to get amd chipset."};
+constexpr RegistryPackage AmdPshedPlugin = {"SOFTWARE\\WOW6432Node\\AMD\\AMD EPYC SP3 PSHED Plug-in Driver\\",
+                                            "ProductVersion",
+                                            "amd_ppd",
+                                            "Amd EPYC SP3 PSHED Plug-in Driver",
+                                            "Amd",
+                                            true,
+                                            "success to get AMD EPYC SP3 PSHED Plug-in Driver."};
+
+bool DetectRegistryPackage(const RegistryPackage& package, std::vector<DriverData>& drivers) {
+  HKEY opened = nullptr;
+  if (RegOpenKeyExA(HKEY_LOCAL_MACHINE, package.key, 0, KEY_READ | KEY_WOW64_64KEY, &opened) != ERROR_SUCCESS) {
+    DRIVERINFO_LOG(1) << "Failed to open " << package.key << " in HKEY_LOCAL_MACHINE";
+    return false;
+  }
+  // The library closes no registry key: a listing that found something is cached, so a process opens each key once or twice.
+  KeepOpen(RegKey(opened));
+
+  std::array<char, 1024> value{};
+  DWORD size = static_cast<DWORD>(value.size());
+  DWORD type = REG_SZ;
+  const LSTATUS status =
+      RegQueryValueExA(opened, package.value, nullptr, &type, reinterpret_cast<BYTE*>(value.data()), &size);
+  if (status != ERROR_SUCCESS) {
+    if (package.logsQueryFailure) {
+      DRIVERINFO_LOG(1) << "Failed to query " << package.key
+                        << " in HKEY_LOCAL_MACHINE, retStatus = " << std::to_string(status);
+    }
+    return false;
+  }
+  DriverData driver;
+  driver.name = package.name;
+  driver.description = package.description;
+  driver.provider = package.provider;
+  driver.file_version = BoundedText(value.data(), value.size());
+  drivers.push_back(std::move(driver));
+  if (package.successLine != nullptr) DRIVERINFO_LOG(4) << package.successLine;
+  return true;
+}
+
+}  // namespace
+
+int DeviceDiscovery::ListDeviceDrivers(std::vector<DriverData>&) { return 0; }
+
+std::string DeviceIdentity(const PciDeviceRecord& device) {
+  return device.vendor_id + "-" + device.device_id + "-" + device.identity_part3 + "-" + device.identity_part4;
+}
+
+std::string DeviceRecordName(const PciDeviceRecord& device, const std::string& base) {
+  if (IsIntelGpio(device)) return IntelGpio;
+  if (IsIntelEventFilter(device)) return IntelEventFilter;
+  if (base.empty()) return DeviceIdentity(device) + "_nodriver#";
+  return base + "_" + DeviceIdentity(device);
+}
+
+void ApplyAmdComponentIdentities(std::vector<DriverData>& drivers) {
+  const std::pair<const char*, const std::string&> identities[] = {{"AMDI-0030-0000-0000_nodriver#", AmdGpio},
+                                                                   {"AMDI-0020-0000-0000_nodriver#", AmdUart},
+                                                                   {"AMDI-0010-0000-0000_nodriver#", AmdI2c},
+                                                                   {"DRTM-0002-0000-0000_nodriver#", AmdDrtm}};
+  for (const auto& [name, identity] : identities) {
+    const auto driver =
+        std::find_if(drivers.begin(), drivers.end(), [name = name](const DriverData& d) { return d.name == name; });
+    if (driver == drivers.end()) continue;
+    DRIVERINFO_LOG(3) << "find " << name;
+    driver->name = identity;
+    driver->file_version = "N/A";
+  }
+}
+
+bool DetectIntelChipset(std::vector<DriverData>& drivers) { return DetectRegistryPackage(IntelChipset, drivers); }
+
+bool DetectAmdChipset(std::vector<DriverData>& drivers) {
+  ApplyAmdComponentIdentities(drivers);
+  return DetectRegistryPackage(AmdChipset, drivers);
+}
+
+bool DetectAmdPshedPlugin(std::vector<DriverData>& drivers) { return DetectRegistryPackage(AmdPshedPlugin, drivers); }
+
+}  // namespace Orvane

@@ -1,0 +1,45 @@
+/// @file
+/// Drivers of present devices: names that bind a driver to a device, platform components with fixed names, and the chipset
+/// packages that installers leave in the registry.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "driverinfo.h"
+#include "pciinfo.h"
+
+namespace Orvane {
+
+/// The device listing.
+struct DeviceDiscovery {
+  /// The listing behind DriverInfoSetType::ByDevice. Returns 0. Appends nothing so far.
+  static int ListDeviceDrivers(std::vector<DriverData>& drivers);
+};
+
+/// What tells `device` from others: `vendor_id`, `device_id`, `identity_part3` and `identity_part4`, joined by "-".
+std::string DeviceIdentity(const PciDeviceRecord& device);
+
+/// Name of the record that binds a driver to `device`. `base` is the base name of the driver's file, empty for a device
+/// without driver. Two kinds of Intel platform component have fixed names, whatever `base` is; else it is `base`, "_" and the
+/// identity, or the identity and "_nodriver#" without `base`.
+std::string DeviceRecordName(const PciDeviceRecord& device, const std::string& base);
+
+/// Gives four AMD platform components that have no driver their fixed names, and the file version "N/A": of each, the first
+/// no-driver record of `drivers`. Logs each at level 3.
+void ApplyAmdComponentIdentities(std::vector<DriverData>& drivers);
+
+/// Appends a record for Intel's chipset package when its installer registered a version: "Version" under
+/// HKEY_LOCAL_MACHINE\SOFTWARE\Intel\InfInst. True when it did. Logs a key that cannot be opened at level 1. The key stays
+/// open.
+bool DetectIntelChipset(std::vector<DriverData>& drivers);
+
+/// The same for AMD's chipset package: "ProductVersion" under SOFTWARE\WOW6432Node\AMD\AMD_Chipset_Drivers. Calls ApplyAmdComponentIdentities() first. Logs a key that cannot be opened or read at level 1,
+/// success at level 4.
+bool DetectAmdChipset(std::vector<DriverData>& drivers);
+
+/// The same for AMD's plug-in driver for EPYC SP3: "ProductVersion" under the key "AMD EPYC SP3 PSHED Plug-in Driver" beside
+/// that one. Logs as DetectAmdChipset().
+bool DetectAmdPshedPlugin(std::vector<DriverData>& drivers);
+
+}  // namespace Orvane

@@ -1,0 +1,206 @@
+/// @file
+/// Driver inventory of a 64-bit Windows machine.
+///
+/// Create a DriverInfo, give it an empty vector, and it appends one DriverData per driver:
+///
+///     Orvane::DriverInfo info;
+///     std::vector<Orvane::DriverData> drivers;
+///     info.list_drivers(drivers, Orvane::Registered);
+///
+/// **Lifetime.** The caller owns the DriverInfo and the vector. Records and strings cross the module border, so the host
+/// and the library must use the same C++ run-time library, linked dynamically. What the listings keep between calls (see
+/// DriverInfo::list_drivers) lives as long as the library is loaded.
+///
+/// **Threads.** The library starts no thread and takes no lock. Use one listing at a time in a process, also when the
+/// process has several DriverInfo objects: they share their caches.
+///
+/// **Texts** are narrow strings in the system's ANSI code page, exactly as the system gave them: neither trimmed nor
+/// changed in case. Unknown is the empty text unless a field says otherwise.
+///
+/// **Failures.** A source, service, device or file that cannot be read is written to the log and left out; no listing
+/// reports it otherwise. The only exceptions that reach the caller are those of the standard library when memory runs
+/// out; records appended until then stay in the vector.
+///
+/// **Log.** Lines go to the logging module (log.h), by level: 1 registry keys of chipset packages that cannot be opened or
+/// read; 2 services that cannot be opened or queried; 3 devices and dropped duplicates; 4 progress, counts, single files.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#if defined(_WIN32) && defined(DRIVERINFO_EXPORTS)
+#define DRIVERINFO_API __declspec(dllexport)
+#elif defined(_WIN32)
+#define DRIVERINFO_API __declspec(dllimport)
+#else
+#define DRIVERINFO_API
+#endif
+
+#if defined(_MSC_VER)
+#pragma warning(push)
+// Members of standard types have no import of their own; host and library share one run-time library anyway.
+#pragma warning(disable : 4251)
+#endif
+
+namespace Orvane {
+
+/// One driver of the machine.
+///
+/// "Services" below are drivers registered with the service control manager; "packages" are INF packages; "chipset" stands
+/// for the packages that chipset installers leave in the registry.
+struct DRIVERINFO_API DriverData {
+  /// Identity of the driver; the key of operator== and the first key of operator<.
+  /// Services: file name of the image, cut before its first "." and given ".sys". Packages: file name as the package lists
+  /// it, or the name under which the INF was delivered; a second time as base name, "_" and identity of the device that
+  /// uses it. Chipset: "intel_chipset", "amd_chipset" or "amd_ppd". Device without a driver: its identity and
+  /// "_nodriver#". A few platform components of Intel and AMD have fixed names.
+  std::string name;
+
+  /// What the driver is, for people. Services: FileDescription of the image. Packages: name of the disk on which the package
+  /// lists the file, or its provider. Chipset: a fixed text. Device without a driver: description of the device.
+  std::string description;
+
+  /// Who made it. Services: CompanyName of the image. Packages: Provider of the INF. Chipset: "Intel" or "Amd". Device
+  /// without a driver: provider of the device.
+  std::string provider;
+
+  /// Full path of the image file. Services only.
+  std::string path;
+
+  /// Version of the driver, components separated by "."; the second key of operator<. Services: file version of the image's
+  /// version resource. Packages: version part of DriverVer. Chipset: version that the installer registered. "N/A" for a
+  /// device without a driver.
+  std::string file_version;
+
+  /// State of the service when it was listed: "Stopped", "Start Pending", "Stop Pending", "Running", "Continue Pending",
+  /// "Pause Pending" or "Paused". Services only.
+  std::string state;
+
+  /// When the service starts: "Boot Start", "System Start", "Automatic", "Manual" or "Disabled". Services only.
+  std::string start_type;
+
+  /// Creation time of the image file in the machine's time zone, "MM/DD/YYYY HH:MM:SS"; at exactly midnight the date and
+  /// one blank. Empty for a time before 1970. Services only.
+  std::string date;
+
+  /// Size of the image file in KiB, rounded down, in decimal. Services only.
+  std::string size;
+
+  /// Product version of the image's version resource. Services only.
+  std::string product_version;
+
+  /// Carried with the record; always empty in a listing.
+  std::string reserved1;
+
+  /// Carried with the record; always empty in a listing.
+  std::string reserved2;
+
+  /// Carried with the record; always empty in a listing.
+  std::vector<std::string> reserved_list;
+
+  /// 1 when the device listing made the record, else 0.
+  std::int32_t found_by_device = 0;
+
+  /// Every text empty, found_by_device 0.
+  DriverData();
+  DriverData(const DriverData& other);
+  /// Leaves the texts and the list of `other` empty.
+  DriverData(DriverData&& other) noexcept;
+  DriverData& operator=(const DriverData& other);
+  /// Leaves the texts and the list of `other` empty; assigning a record to itself leaves it as it is.
+  DriverData& operator=(DriverData&& other) noexcept;
+  ~DriverData();
+
+  /// Same driver: equal `name`, byte by byte. No other field takes part; two versions of one driver are equal.
+  bool operator==(const DriverData& other) const;
+};
+
+/// Listing order: by `name` as bytes (upper case before lower case), then by ascending `file_version`, the oldest first.
+///
+/// Versions are compared component by component, components being separated by "." or " ": as hexadecimal numbers where
+/// both are, else as texts; letter case does not count (the process's global locale lower-cases both). Mixing numbers and
+/// texts makes the order of versions intransitive (1g is before 9, 9 before 10, 10 before 1g), so a sort of records with
+/// equal names must not depend on a strict weak order for its own safety.
+/// Throws nothing but std::bad_alloc.
+DRIVERINFO_API bool operator<(const DriverData& a, const DriverData& b);
+
+/// A record for hosts that build and sort lists of their own; no listing uses it, and what its texts mean is the host's.
+struct DRIVERINFO_API DriverDataPre {
+  std::string text1;
+  std::string text2;
+  /// What DriverDataPreComp orders by.
+  std::string sort_key;
+  std::string text4;
+  std::string text5;
+  std::string text6;
+  std::vector<std::string> items;
+
+  DriverDataPre();
+  DriverDataPre(const DriverDataPre& other);
+  /// Leaves the texts and the list of `other` empty.
+  DriverDataPre(DriverDataPre&& other) noexcept;
+  DriverDataPre& operator=(const DriverDataPre& other);
+  /// Leaves the texts and the list of `other` empty; assigning a record to itself leaves it as it is.
+  DriverDataPre& operator=(DriverDataPre&& other) noexcept;
+  ~DriverDataPre();
+};
+
+/// Orders DriverDataPre records by `sort_key` as bytes; no other field takes part.
+class DRIVERINFO_API DriverDataPreComp {
+ public:
+  DriverDataPreComp() = default;
+  DriverDataPreComp(const DriverDataPreComp&) = default;
+  /// Does nothing: the comparator has no state.
+  DriverDataPreComp& operator=(const DriverDataPreComp& other);
+
+  bool operator()(const DriverDataPre& a, const DriverDataPre& b) const;
+};
+
+/// Which drivers DriverInfo::list_drivers lists.
+enum DriverInfoSetType : std::int32_t {
+  /// Drivers of the PCI and platform devices present, devices without a driver, chipset packages.
+  ByDevice = 0,
+  /// Kernel, file-system and recogniser drivers registered as services, chipset packages.
+  Registered = 1,
+  /// Both, and the OEM packages of the inf directory: sorted, one record per name.
+  All = 2
+};
+
+class DriverInfoImp;
+
+/// Lists the device drivers of the machine.
+class DRIVERINFO_API DriverInfo {
+ public:
+  /// Throws std::bad_alloc when memory runs out.
+  DriverInfo();
+  ~DriverInfo();
+  DriverInfo(const DriverInfo&) = delete;
+  /// Shares the implementation of `other`. The implementation that this object held is not freed, even when no other
+  /// object holds it: assign rarely. Destroying both objects afterwards is safe.
+  DriverInfo& operator=(const DriverInfo& other);
+
+  /// Appends the drivers of the machine to `drivers`. Always returns 0, also for a value of `type` that is none of the
+  /// enumerators, which lists nothing.
+  ///
+  /// - ByDevice appends nothing so far.
+  /// - Registered asks the service control manager for all driver services, and the registry, the image file and its
+  ///   version resource for each. A service whose image file is not found is left out. The order is that of the service
+  ///   control manager, without removing duplicates. Records of the chipset packages found in the registry follow.
+  ///   Once a listing has found a service, later calls in the process append those same services from a cache, without
+  ///   the chipset packages: drivers installed or removed meanwhile do not show.
+  /// - All appends nothing so far.
+  int list_drivers(std::vector<DriverData>& drivers, const DriverInfoSetType& type);
+
+  /// The same as list_drivers(drivers, ByDevice).
+  int list_drivers_by_device(std::vector<DriverData>& drivers);
+
+ private:
+  DriverInfoImp* m_imp;
+};
+
+}  // namespace Orvane
+
+#if defined(_MSC_VER)
+#pragma warning(pop)
+#endif

@@ -1,0 +1,51 @@
+/// @file
+/// Owners of Windows handles. A handle lives for the scope of its owner; release() gives it to a caller; KeepOpen() leaves it
+/// open for the life of the process.
+#pragma once
+
+#include <windows.h>
+
+#include <utility>
+
+namespace Orvane {
+
+/// Move-only owner of one handle. Both a null handle and INVALID_HANDLE_VALUE mean none. Closing keeps GetLastError().
+template <typename Handle, auto Close>
+class UniqueHandle {
+ public:
+  explicit UniqueHandle(Handle handle = nullptr) noexcept : m_handle(handle) {}
+  UniqueHandle(UniqueHandle&& other) noexcept : m_handle(other.release()) {}
+  UniqueHandle& operator=(UniqueHandle&& other) noexcept {
+    reset(other.release());
+    return *this;
+  }
+  ~UniqueHandle() { reset(); }
+
+  explicit operator bool() const noexcept { return m_handle != nullptr && m_handle != INVALID_HANDLE_VALUE; }
+  Handle get() const noexcept { return m_handle; }
+  Handle release() noexcept { return std::exchange(m_handle, nullptr); }
+  void reset(Handle handle = nullptr) noexcept {
+    if (*this) {
+      const DWORD error = GetLastError();
+      Close(m_handle);
+      SetLastError(error);
+    }
+    m_handle = handle;
+  }
+
+ private:
+  Handle m_handle;
+};
+
+using RegKey = UniqueHandle<HKEY, &RegCloseKey>;
+using ServiceHandle = UniqueHandle<SC_HANDLE, &CloseServiceHandle>;
+using FindHandle = UniqueHandle<HANDLE, &FindClose>;
+using LocalMemory = UniqueHandle<HLOCAL, &LocalFree>;
+
+/// Leaves the handle open until the process ends. Every call says why.
+template <typename Handle, auto Close>
+void KeepOpen(UniqueHandle<Handle, Close>&& handle) noexcept {
+  handle.release();
+}
+
+}  // namespace Orvane

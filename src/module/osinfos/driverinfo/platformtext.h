@@ -1,0 +1,33 @@
+/// @file
+/// Texts that the platform put into a buffer of ours. Windows terminates most of them, most of the time: a registry value may
+/// fill its buffer, a path may be longer, a resource may end early. They are read up to the buffer's end and no further.
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <functional>
+#include <string>
+
+namespace Orvane {
+
+/// The text at `buffer` up to its first zero byte, or all `size` bytes when there is none.
+inline std::string BoundedText(const char* buffer, std::size_t size) {
+  return std::string(buffer, std::find(buffer, buffer + size, '\0'));
+}
+
+/// How many bytes [begin, begin + size) holds from `position` to its end; 0 for a position outside.
+inline std::size_t BytesFrom(const char* position, const char* begin, std::size_t size) {
+  const std::less<const char*> before;
+  return before(position, begin) || !before(position, begin + size) ? 0
+                                                                    : static_cast<std::size_t>(begin + size - position);
+}
+
+/// The text that the platform placed at `text` in [begin, begin + size); empty for a null pointer.
+inline std::string TextWithin(const char* text, const char* begin, std::size_t size) {
+  if (text == nullptr) return std::string();
+  const std::size_t bytes = BytesFrom(text, begin, size);
+  // A text elsewhere is the platform's own and has its own terminator.
+  return bytes > 0 ? BoundedText(text, bytes) : std::string(text);
+}
+
+}  // namespace Orvane

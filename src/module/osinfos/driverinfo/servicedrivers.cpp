@@ -1,0 +1,297 @@
+#include "servicedrivers.h"
+
+#include <algorithm>
+#include <array>
+#include <boost/algorithm/string/case_conv.hpp>
+#include <boost/algorithm/string/predicate.hpp>
+#include <utility>
+
+#include "devicediscovery.h"
+#include "handles.h"
+#include "logline.h"
+#include "packagefiles.h"
+#include "platformtext.h"
+
+namespace Orvane {
+namespace {
+
+const std::array<std::string, 8> ServiceStateNames = {"Reserved", "Stopped",          "Start Pending", "Stop Pending",
+                                                      "Running",  "Continue Pending", "Pause Pending", "Paused"};
+const std::array<std::string, 5> ServiceStartTypeNames = {"Boot Start", "System Start", "Automatic", "Manual",
+                                                          "Disabled"};
+
+template <std::size_t Size>
+std::string NameAt(const std::array<std::string, Size>& names, DWORD index) {
+  return index < Size ? names[index] : std::string();
+}
+
+/// What every revert call gets, whatever old value the disable call handed out. It is never set: null stands for redirection
+/// switched on, the state in which threads come to this library.
+void* const RedirectionValue = nullptr;
+
+/// Switches WoW64 file-system redirection off for the calling thread and this scope. The functions are looked up by name at
+/// every use: not every Windows has them.
+class RedirectionOff {
+ public:
+  RedirectionOff() : m_kernel(LoadLibraryExA("kernel32.dll", nullptr, LOAD_WITH_ALTERED_SEARCH_PATH)) {
+    if (m_kernel == nullptr) return;
+    void* oldValue = nullptr;
+    const auto disable = Function<BOOL(WINAPI*)(void**)>("Wow64DisableWow64FsRedirection");
+    m_isOff = disable != nullptr && disable(&oldValue) == TRUE;
+  }
+  RedirectionOff(const RedirectionOff&) = delete;
+  RedirectionOff& operator=(const RedirectionOff&) = delete;
+  // Reverts also when nothing was switched off.
+  ~RedirectionOff() {
+    if (const auto revert = Function<BOOL(WINAPI*)(void*)>("Wow64RevertWow64FsRedirection")) revert(RedirectionValue);
+    FreeLibrary(m_kernel);
+  }
+
+  /// False where redirection could not be switched off, as in a 64-bit process, which has none.
+  explicit operator bool() const { return m_isOff; }
+
+ private:
+  template <typename Pointer>
+  Pointer Function(const char* name) const {
+    return reinterpret_cast<Pointer>(reinterpret_cast<void*>(GetProcAddress(m_kernel, name)));
+  }
+
+  HMODULE m_kernel;
+  bool m_isOff = false;
+};
+
+/// The driver services of the machine, as the service control manager enumerated them.
+class DriverServices {
+ public:
+  explicit DriverServices(SC_HANDLE manager) {
+    if (manager == nullptr) return;
+    DWORD needed = 0;
+    DWORD resume = 0;
+    EnumServicesStatusA(manager, SERVICE_DRIVER, SERVICE_STATE_ALL, nullptr, 0, &needed, &m_count, &resume);
+    m_buffer.resize(needed);
+    m_count = 0;
+    // Once, without asking for more: a driver registered between the two calls shows in the next process.
+    const BOOL complete =
+        EnumServicesStatusA(manager, SERVICE_DRIVER, SERVICE_STATE_ALL, Entries(), needed, &needed, &m_count, &resume);
+    if (!complete && GetLastError() != ERROR_MORE_DATA) m_count = 0;
+    m_count = std::min(m_count, static_cast<DWORD>(m_buffer.size() / sizeof(ENUM_SERVICE_STATUSA)));
+  }
+
+  DWORD Count() const { return m_count; }
+  DWORD State(DWORD index) const { return Entries()[index].ServiceStatus.dwCurrentState; }
+  std::string Name(DWORD index) const {
+    return TextWithin(Entries()[index].lpServiceName, m_buffer.data(), m_buffer.size());
+  }
+
+ private:
+  ENUM_SERVICE_STATUSA* Entries() { return reinterpret_cast<ENUM_SERVICE_STATUSA*>(m_buffer.data()); }
+  const ENUM_SERVICE_STATUSA* Entries() const { return reinterpret_cast<const ENUM_SERVICE_STATUSA*>(m_buffer.data()); }
+
+  std::vector<char> m_buffer;
+  DWORD m_count = 0;
+};
+
+/// What the listing needs of a service's configuration.
+struct ServiceConfig {
+  DWORD startType = 0;
+  std::string imagePath;
+};
+
+/// False, with the error logged, when the configuration cannot be read.
+bool QueryConfig(SC_HANDLE service, ServiceConfig& config) {
+  alignas(QUERY_SERVICE_CONFIGA) std::array<char, 4096> buffer{};
+  auto* const queried = reinterpret_cast<QUERY_SERVICE_CONFIGA*>(buffer.data());
+  DWORD needed = 0;
+  if (!QueryServiceConfigA(service, queried, static_cast<DWORD>(buffer.size()), &needed)) {
+    const std::string error = GetLastErrorText();
+    DRIVERINFO_LOG(2) << error;
+    return false;
+  }
+  config.startType = queried->dwStartType;
+  config.imagePath = TextWithin(queried->lpBinaryPathName, buffer.data(), buffer.size());
+  return true;
+}
+
+/// The image path in the registry key that carries the name `stem`, with environment variables expanded; empty when there is
+/// none. The key is named after the image file: for a service of another name it is another service's key, or none.
+std::string RegisteredImagePath(const std::string& stem) {
+  HKEY opened = nullptr;
+  RegOpenKeyExA(HKEY_LOCAL_MACHINE, ("System\\CurrentControlSet\\Services\\" + stem).c_str(), 0, KEY_QUERY_VALUE,
+                &opened);
+  // The library closes no registry key: a listing that found something is cached, so a process opens each key once.
+  KeepOpen(RegKey(opened));
+
+  std::array<char, 1024> value{};
+  DWORD size = static_cast<DWORD>(value.size());
+  DWORD type = REG_EXPAND_SZ;
+  RegQueryValueExA(opened, "ImagePath", nullptr, &type, reinterpret_cast<BYTE*>(value.data()), &size);
+  const std::string path = BoundedText(value.data(), value.size());
+  if (path.find('%') == std::string::npos) return path;
+
+  std::array<char, 1024> expanded{};
+  ExpandEnvironmentStringsA(path.c_str(), expanded.data(), static_cast<DWORD>(expanded.size()));
+  return BoundedText(expanded.data(), expanded.size());
+}
+
+/// The version resource of the image at `path`; what is missing of it is read once more without file-system redirection.
+SysFileInfo ReadVersions(const std::string& path) {
+  SysFileInfo info;
+  PackageFiles::GetDriveInfoFromSysFile(path, info);
+  if (!info.file_version.empty() && !info.description.empty() && !info.company.empty()) return info;
+
+  const RedirectionOff redirectionOff;
+  if (!redirectionOff) return info;
+  SysFileInfo second;
+  PackageFiles::GetDriveInfoFromSysFile(path, second);
+  if (info.file_version.empty()) {
+    info.file_version = second.file_version;
+    info.product_version = second.product_version;
+  }
+  if (info.description.empty()) info.description = second.description;
+  if (info.company.empty()) info.company = second.company;
+  return info;
+}
+
+std::string SizeInKiB(const WIN32_FIND_DATAA& file) {
+  return std::to_string((static_cast<unsigned long long>(file.nFileSizeHigh) << 22) | (file.nFileSizeLow >> 10));
+}
+
+/// "ACPI.sys" for "...\ACPI.SYS": the file name up to its first ".", with the extension of a driver.
+std::string RecordName(const std::string& path) {
+  const std::string file = path.substr(path.rfind('\\') + 1);
+  const std::size_t dot = file.find('.');
+  return dot == std::string::npos ? file : file.substr(0, dot) + ".sys";
+}
+
+/// Appends the driver of the service `name` to `drivers` and to `cache`, or logs why there is nothing to append.
+void AppendDriver(SC_HANDLE manager, const std::string& name, DWORD state, std::vector<DriverData>& drivers,
+                  std::vector<DriverData>& cache) {
+  const ServiceHandle service(OpenServiceA(manager, name.c_str(), SERVICE_QUERY_CONFIG));
+  if (!service) {
+    const std::string error = GetLastErrorText();
+    DRIVERINFO_LOG(2) << error;
+    return;
+  }
+  ServiceConfig config;
+  if (!QueryConfig(service.get(), config)) return;
+
+  const std::string image = GetImageFileName(config.imagePath.c_str(), name.c_str());
+  const std::string stem = image.substr(0, image.rfind('.'));
+  std::string path = RegisteredImagePath(stem);
+  WIN32_FIND_DATAA file{};
+  FindHandle found(FindDriverFile(path, &file));
+  if (!found) {
+    path = "\\SystemRoot\\system32\\drivers\\" + stem + ".sys";
+    found.reset(FindDriverFile(path, &file));
+  }
+  if (!found) {
+    DRIVERINFO_LOG(4) << "can not find bpname= " << path;
+    return;
+  }
+
+  DriverData driver;
+  driver.size = SizeInKiB(file);
+  driver.date = PackageFiles::FileTimeToText(file.ftCreationTime);
+  SysFileInfo versions = ReadVersions(path);
+  found.reset();
+  driver.name = RecordName(path);
+  driver.description = std::move(versions.description);
+  driver.provider = std::move(versions.company);
+  driver.path = std::move(path);
+  driver.file_version = versions.file_version.substr(0, versions.file_version.find(' '));
+  driver.state = ServiceStateName(state);
+  driver.start_type = ServiceStartTypeName(config.startType);
+  driver.product_version = std::move(versions.product_version);
+  DRIVERINFO_LOG(4) << "DRIVERINFO.name=" << driver.name << " DRIVERINFO.file_version=" << driver.file_version;
+  drivers.push_back(driver);
+  cache.push_back(std::move(driver));
+}
+
+/// The first place to look for an image, by the form of its registry path.
+std::string FirstCandidate(const std::string& path, const std::string& systemDirectory) {
+  using boost::algorithm::starts_with;
+  if (path.find(':') != std::string::npos) return path;
+  for (const char* const prefix : {"\\system32", "system32", "\\System32", "System32", "\\SystemRoot\\"}) {
+    // What follows the last "32" of the whole path, wherever that stands. Without any, the position behind it wraps to 1.
+    if (starts_with(path, prefix)) return systemDirectory + path.substr(path.rfind("32") + 2);
+  }
+  return systemDirectory + "\\drivers\\" + path;
+}
+
+FindHandle FindCandidate(const std::string& candidate, WIN32_FIND_DATAA* findData) {
+  FindHandle found(FindFirstFileA(candidate.c_str(), findData));
+  if (found) return found;
+  const RedirectionOff redirectionOff;
+  if (redirectionOff) found.reset(FindFirstFileA(candidate.c_str(), findData));
+  return found;
+}
+
+}  // namespace
+
+int ServiceDrivers::ListRegisteredDrivers(std::vector<DriverData>& drivers) {
+  static std::vector<DriverData> cache;
+  DRIVERINFO_LOG(4) << "Start to list registered driver files.";
+  if (!cache.empty()) {
+    DRIVERINFO_LOG(4) << "Get data from cache.";
+    drivers.insert(drivers.end(), cache.begin(), cache.end());
+    return 0;
+  }
+  const ServiceHandle manager(OpenSCManagerA(nullptr, nullptr, SC_MANAGER_ENUMERATE_SERVICE));
+  const DriverServices services(manager.get());
+  for (DWORD i = 0; i < services.Count(); ++i) {
+    AppendDriver(manager.get(), services.Name(i), services.State(i), drivers, cache);
+  }
+  DetectIntelChipset(drivers);
+  DetectAmdChipset(drivers);
+  DetectAmdPshedPlugin(drivers);
+  return 0;
+}
+
+std::string ServiceStateName(DWORD state) { return NameAt(ServiceStateNames, state); }
+
+std::string ServiceStartTypeName(DWORD startType) { return NameAt(ServiceStartTypeNames, startType); }
+
+std::string GetImageFileName(const char* configuredPath, const char* serviceName) {
+  const std::string path = configuredPath != nullptr ? configuredPath : "";
+  const std::string name = serviceName != nullptr ? serviceName : "";
+  if (path.find("\\??\\") != std::string::npos) return path.substr(4);
+  if (path.empty()) return name + ".sys";
+  // In lower case by the process's global locale.
+  const std::string lower = boost::algorithm::to_lower_copy(path);
+  return lower.substr(lower.rfind('\\') + 1);
+}
+
+HANDLE FindDriverFile(std::string& path, WIN32_FIND_DATAA* findData) {
+  std::array<char, MAX_PATH> systemDirectory{};
+  std::array<char, MAX_PATH> windowsDirectory{};
+  GetSystemDirectoryA(systemDirectory.data(), MAX_PATH);
+  GetWindowsDirectoryA(windowsDirectory.data(), MAX_PATH);
+  const std::string system = BoundedText(systemDirectory.data(), systemDirectory.size());
+
+  std::string candidate = FirstCandidate(path, system);
+  FindHandle found = FindCandidate(candidate, findData);
+  if (!found) {
+    candidate = system + "\\" + path;
+    found = FindCandidate(candidate, findData);
+  }
+  if (!found) {
+    systemDirectory.fill('\0');
+    GetWindowsDirectoryA(systemDirectory.data(), MAX_PATH);
+    candidate = BoundedText(systemDirectory.data(), systemDirectory.size()) + "\\" + path;
+    found = FindCandidate(candidate, findData);
+  }
+  if (!found) return INVALID_HANDLE_VALUE;
+  path = candidate;
+  return found.release();
+}
+
+std::string GetLastErrorText() {
+  const DWORD error = GetLastError();
+  char* text = nullptr;
+  FormatMessageA(FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_IGNORE_INSERTS | FORMAT_MESSAGE_FROM_SYSTEM, nullptr,
+                 error, MAKELANGID(LANG_NEUTRAL, SUBLANG_DEFAULT), reinterpret_cast<char*>(&text), 0, nullptr);
+  const LocalMemory owner(text);
+  return owner ? std::string(text) : std::string();
+}
+
+}  // namespace Orvane

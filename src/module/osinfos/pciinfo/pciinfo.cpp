@@ -1,0 +1,3 @@
+#include "pciinfo.h"
+
+void GetPciInfo(std::vector<Orvane::PciDeviceRecord>&) {}

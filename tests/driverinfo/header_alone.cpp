@@ -1,0 +1,8 @@
+// The public header needs nothing before it, and may come twice.
+#include "driverinfo.h"
+
+#ifdef _WINDOWS_
+#error driverinfo.h includes windows.h
+#endif
+
+static_assert(sizeof(Orvane::DriverInfo) == sizeof(void*), "one pointer wide");

@@ -1,0 +1,42 @@
+#include "platformtext.h"
+
+#include <gtest/gtest.h>
+
+using namespace Orvane;
+
+namespace {
+
+TEST(BoundedText, EndsAtItsTerminatorOrAtTheEndOfTheBuffer) {
+  const char buffer[] = {'a', 'b', '\0', 'c'};
+  EXPECT_EQ(BoundedText(buffer, 4), "ab");
+  EXPECT_EQ(BoundedText(buffer, 2), "ab");
+  EXPECT_EQ(BoundedText(buffer, 1), "a");
+  EXPECT_EQ(BoundedText(buffer, 0), "");
+}
+
+TEST(BytesFrom, CountsToTheEndOfTheBuffer) {
+  const char buffer[4] = {};
+  EXPECT_EQ(BytesFrom(buffer, buffer, 4), 4u);
+  EXPECT_EQ(BytesFrom(buffer + 3, buffer, 4), 1u);
+}
+
+TEST(BytesFrom, FindsNothingOutsideOfTheBuffer) {
+  const char buffer[4] = {};
+  EXPECT_EQ(BytesFrom(buffer, buffer + 1, 2), 0u);
+  EXPECT_EQ(BytesFrom(buffer + 3, buffer + 1, 2), 0u);
+  EXPECT_EQ(BytesFrom(nullptr, buffer, 4), 0u);
+}
+
+TEST(TextWithin, EndsAtItsTerminatorOrAtTheEndOfTheBuffer) {
+  const char buffer[] = {'a', 'b', '\0', 'c', 'd'};
+  EXPECT_EQ(TextWithin(buffer + 1, buffer, 5), "b");
+  EXPECT_EQ(TextWithin(buffer + 3, buffer, 5), "cd");
+}
+
+TEST(TextWithin, ReadsATextElsewhereToItsTerminator) {
+  const char buffer[] = {'a', 'b'};
+  EXPECT_EQ(TextWithin("elsewhere", buffer, 2), "elsewhere");
+  EXPECT_EQ(TextWithin(nullptr, buffer, 2), "");
+}
+
+}  // namespace

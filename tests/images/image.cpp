@@ -1,0 +1,2 @@
+// An image needs some code to be linked.
+extern "C" int Image() { return 0; }

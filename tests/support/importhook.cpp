@@ -1,0 +1,47 @@
+#include "importhook.h"
+
+#include <cstring>
+#include <stdexcept>
+#include <string>
+
+namespace test {
+namespace {
+
+template <typename T>
+const T* At(const char* base, DWORD offset) {
+  return reinterpret_cast<const T*>(base + offset);
+}
+
+}  // namespace
+
+void** ImportSlot(HMODULE module, const char* function) {
+  const char* const base = reinterpret_cast<const char*>(module);
+  const auto* const headers = At<IMAGE_NT_HEADERS>(base, static_cast<DWORD>(At<IMAGE_DOS_HEADER>(base, 0)->e_lfanew));
+  const IMAGE_DATA_DIRECTORY& directory = headers->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT];
+  if (directory.VirtualAddress != 0) {
+    for (const auto* dll = At<IMAGE_IMPORT_DESCRIPTOR>(base, directory.VirtualAddress); dll->Name != 0; ++dll) {
+      const auto* name = At<IMAGE_THUNK_DATA>(base, dll->OriginalFirstThunk);
+      const auto* slot = At<IMAGE_THUNK_DATA>(base, dll->FirstThunk);
+      for (; name->u1.AddressOfData != 0; ++name, ++slot) {
+        if (IMAGE_SNAP_BY_ORDINAL(name->u1.Ordinal)) continue;
+        const auto* const imported = At<IMAGE_IMPORT_BY_NAME>(base, static_cast<DWORD>(name->u1.AddressOfData));
+        if (std::strcmp(reinterpret_cast<const char*>(imported->Name), function) == 0) {
+          return reinterpret_cast<void**>(const_cast<IMAGE_THUNK_DATA*>(slot));
+        }
+      }
+    }
+  }
+  throw std::runtime_error("the module does not import " + std::string(function));
+}
+
+void* ReplaceSlot(void** slot, void* value) {
+  DWORD protection = 0;
+  if (!VirtualProtect(slot, sizeof(*slot), PAGE_READWRITE, &protection)) {
+    throw std::runtime_error("the import slot cannot be written");
+  }
+  void* const former = std::exchange(*slot, value);
+  VirtualProtect(slot, sizeof(*slot), protection, &protection);
+  return former;
+}
+
+}  // namespace test

@@ -1,0 +1,61 @@
+/// @file
+/// Stands in for a platform function that one module of the process calls.
+#pragma once
+
+#include <windows.h>
+
+#include <functional>
+#include <utility>
+
+namespace test {
+
+/// The slot of the import directory through which `module` calls `function`. Throws std::runtime_error, which fails the test,
+/// when the module does not import it: a hook that never comes to bear would show nothing.
+void** ImportSlot(HMODULE module, const char* function);
+
+/// Puts `value` into an import slot and returns what stood there.
+void* ReplaceSlot(void** slot, void* value);
+
+template <auto Function>
+class ImportHook;
+
+/// While it lives, calls of `Function` by one module go to `handler`; Real() still reaches the platform. Hooks of one function
+/// nest. Call it by HOOK, which knows the name.
+template <typename Result, typename... Arguments, Result (*Function)(Arguments...)>
+class ImportHook<Function> {
+ public:
+  using Handler = std::function<Result(Arguments...)>;
+
+  ImportHook(HMODULE module, const char* name, Handler handler)
+      : m_handler(std::move(handler)), m_slot(ImportSlot(module, name)), m_outer(std::exchange(s_innermost, this)) {
+    m_real = ReplaceSlot(m_slot, reinterpret_cast<void*>(&Enter));
+  }
+  ~ImportHook() {
+    ReplaceSlot(m_slot, m_real);
+    s_innermost = m_outer;
+  }
+  ImportHook(const ImportHook&) = delete;
+  ImportHook& operator=(const ImportHook&) = delete;
+
+  /// What the module would have called without this hook.
+  Result Real(Arguments... arguments) const {
+    return m_outer != nullptr ? m_outer->m_handler(arguments...)
+                              : reinterpret_cast<decltype(Function)>(m_real)(arguments...);
+  }
+
+ private:
+  static Result Enter(Arguments... arguments) { return s_innermost->m_handler(arguments...); }
+
+  static inline ImportHook* s_innermost = nullptr;
+
+  Handler m_handler;
+  void** m_slot;
+  void* m_real = nullptr;
+  ImportHook* m_outer;
+};
+
+}  // namespace test
+
+/// HOOK(hook, module, RegOpenKeyExA, [&](HKEY key, ...) -> LSTATUS { ... });
+#define HOOK(variable, module, function, ...) \
+  const test::ImportHook<&function> variable((module), #function, __VA_ARGS__)

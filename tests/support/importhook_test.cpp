@@ -1,0 +1,53 @@
+#include "importhook.h"
+
+#include <gtest/gtest.h>
+
+#include "importhook_callee.h"
+
+namespace {
+
+HMODULE ThisProgram() { return GetModuleHandleA(nullptr); }
+
+TEST(ImportHook, AnswersInsteadOfThePlatform) {
+  HOOK(hook, ThisProgram(), GetCurrentProcessId, [] { return DWORD{42}; });
+  EXPECT_EQ(ProcessId(), 42u);
+}
+
+TEST(ImportHook, SeesTheArgumentsAndForwards) {
+  std::string seen;
+  HOOK(hook, ThisProgram(), GetModuleHandleA, [&](const char* name) {
+    seen = name;
+    return hook.Real("kernel32.dll");
+  });
+  EXPECT_EQ(Module("no such module"), hook.Real("kernel32.dll"));
+  EXPECT_EQ(seen, "no such module");
+}
+
+TEST(ImportHook, EndsWithItsLife) {
+  const DWORD real = ProcessId();
+  {
+    HOOK(hook, ThisProgram(), GetCurrentProcessId, [] { return DWORD{42}; });
+  }
+  EXPECT_EQ(ProcessId(), real);
+}
+
+TEST(ImportHook, Nests) {
+  HOOK(outer, ThisProgram(), GetCurrentProcessId, [] { return DWORD{1}; });
+  {
+    HOOK(inner, ThisProgram(), GetCurrentProcessId, [&] { return inner.Real() + 1; });
+    EXPECT_EQ(ProcessId(), 2u);
+  }
+  EXPECT_EQ(ProcessId(), 1u);
+}
+
+TEST(ImportHook, LeavesOtherModulesAlone) {
+  HOOK(hook, LoadLibraryA("driverinfo.dll"), GetLastError, [] { return DWORD{42}; });
+  SetLastError(7);
+  EXPECT_EQ(GetLastError(), 7u);
+}
+
+TEST(ImportHook, RefusesAFunctionThatTheModuleDoesNotImport) {
+  EXPECT_THROW(test::ImportSlot(ThisProgram(), "RegisterEventSourceA"), std::runtime_error);
+}
+
+}  // namespace
