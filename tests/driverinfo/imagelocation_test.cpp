@@ -3,6 +3,7 @@
 #include <locale>
 
 #include "importhook.h"
+#include "redirection.h"
 #include "scratchmachine.h"
 #include "servicedrivers.h"
 
@@ -166,67 +167,12 @@ TEST(ImageLocation, GoesOnWithoutDirectoriesThatTheSystemDoesNotTell) {
   EXPECT_THAT(candidates, ElementsAre("\\drivers\\x.sys", "\\x.sys", "\\x.sys"));
 }
 
-/// Replaces the functions that the library looks up by name, and records what it does with them.
-class Redirection {
- public:
-  explicit Redirection(BOOL disableResult) {
-    s_this = this;
-    m_disableResult = disableResult;
-  }
-  ~Redirection() { s_this = nullptr; }
-
-  bool off = false;
-  bool hasDisable = true;
-  bool hasRevert = true;
-  bool loads = true;
-  std::vector<std::string> calls;
-
- private:
-  static BOOL WINAPI Disable(void** oldValue) {
-    s_this->calls.push_back("disable");
-    *oldValue = reinterpret_cast<void*>(std::intptr_t{0x1234});
-    s_this->off = s_this->m_disableResult == TRUE;
-    return s_this->m_disableResult;
-  }
-  static BOOL WINAPI Revert(void* oldValue) {
-    s_this->calls.push_back(oldValue == nullptr ? "revert null" : "revert something");
-    s_this->off = false;
-    return TRUE;
-  }
-
-  template <typename Function>
-  static FARPROC Erased(Function function) {
-    return reinterpret_cast<FARPROC>(reinterpret_cast<void*>(function));
-  }
-
-  FARPROC Find(HMODULE module, const char* name) {
-    calls.push_back("look up " + std::string(name) + (module == nullptr ? " in null" : ""));
-    if (name == std::string("Wow64DisableWow64FsRedirection") && hasDisable) return Erased(&Disable);
-    if (name == std::string("Wow64RevertWow64FsRedirection") && hasRevert) return Erased(&Revert);
-    return nullptr;
-  }
-
-  static inline Redirection* s_this = nullptr;
-  BOOL m_disableResult = FALSE;
-  test::ImportHook<&LoadLibraryExA> m_load{ThisProgram(), "LoadLibraryExA",
-                                           [this](const char* name, HANDLE file, DWORD flags) -> HMODULE {
-                                             calls.push_back("load " + std::string(name) + " " + std::to_string(flags) +
-                                                             (file == nullptr ? "" : " with file"));
-                                             return loads ? m_load.Real(name, file, flags) : nullptr;
-                                           }};
-  test::ImportHook<&GetProcAddress> m_find{ThisProgram(), "GetProcAddress",
-                                           [this](HMODULE module, const char* name) { return Find(module, name); }};
-  test::ImportHook<&FreeLibrary> m_free{ThisProgram(), "FreeLibrary", [this](HMODULE module) {
-                                          calls.push_back(module == nullptr ? "free null" : "free");
-                                          return m_free.Real(module);
-                                        }};
-};
-
 const std::string LookUpDisable = "look up Wow64DisableWow64FsRedirection";
 const std::string LookUpRevert = "look up Wow64RevertWow64FsRedirection";
 
 /// Runs FindDriverFile on "x.sys", with a file at `existing` that shows only without redirection.
-std::vector<std::string> CallsWhileFinding(Redirection& redirection, const std::string& existing, std::string& path) {
+std::vector<std::string> CallsWhileFinding(test::Redirection& redirection, const std::string& existing,
+                                           std::string& path) {
   HOOK(find, ThisProgram(), FindFirstFileA, [&](const char* candidate, WIN32_FIND_DATAA*) -> HANDLE {
     redirection.calls.push_back("find");
     return redirection.off && candidate == existing ? reinterpret_cast<HANDLE>(std::intptr_t{77})
@@ -239,7 +185,7 @@ std::vector<std::string> CallsWhileFinding(Redirection& redirection, const std::
 }
 
 TEST(ImageLocation, RetriesWithRedirectionSwitchedOffAndRevertsToNull) {
-  Redirection redirection(TRUE);
+  test::Redirection redirection(ThisProgram(), TRUE);
   std::string path = "x.sys";
   const auto calls = CallsWhileFinding(redirection, SystemDirectory() + "\\x.sys", path);
   const std::vector<std::string> once = {"find", "load kernel32.dll 8", LookUpDisable, "disable",
@@ -251,7 +197,7 @@ TEST(ImageLocation, RetriesWithRedirectionSwitchedOffAndRevertsToNull) {
 }
 
 TEST(ImageLocation, TriesSixTimesAtMost) {
-  Redirection redirection(TRUE);
+  test::Redirection redirection(ThisProgram(), TRUE);
   std::string path = "x.sys";
   const auto calls = CallsWhileFinding(redirection, "", path);
   EXPECT_EQ(std::count(calls.begin(), calls.end(), "find"), 6);
@@ -260,7 +206,7 @@ TEST(ImageLocation, TriesSixTimesAtMost) {
 
 TEST(ImageLocation, RetriesOnlyWhenRedirectionWasSwitchedOffForCertain) {
   for (const BOOL answer : {FALSE, BOOL{2}}) {
-    Redirection redirection(answer);
+    test::Redirection redirection(ThisProgram(), answer);
     std::string path = "x.sys";
     const auto calls = CallsWhileFinding(redirection, "", path);
     EXPECT_EQ(std::vector<std::string>(calls.begin(), calls.begin() + 7),
@@ -271,7 +217,7 @@ TEST(ImageLocation, RetriesOnlyWhenRedirectionWasSwitchedOffForCertain) {
 }
 
 TEST(ImageLocation, RevertsAlsoWhereThereIsNothingToSwitchOff) {
-  Redirection redirection(TRUE);
+  test::Redirection redirection(ThisProgram(), TRUE);
   redirection.hasDisable = false;
   std::string path = "x.sys";
   const auto calls = CallsWhileFinding(redirection, "", path);
@@ -281,7 +227,7 @@ TEST(ImageLocation, RevertsAlsoWhereThereIsNothingToSwitchOff) {
 }
 
 TEST(ImageLocation, GoesOnWhereThereIsNothingToRevert) {
-  Redirection redirection(TRUE);
+  test::Redirection redirection(ThisProgram(), TRUE);
   redirection.hasRevert = false;
   std::string path = "x.sys";
   const auto calls = CallsWhileFinding(redirection, SystemDirectory() + "\\drivers\\x.sys", path);
@@ -290,7 +236,7 @@ TEST(ImageLocation, GoesOnWhereThereIsNothingToRevert) {
 }
 
 TEST(ImageLocation, LooksUpTheRevertAlsoWhenTheLibraryDoesNotLoad) {
-  Redirection redirection(TRUE);
+  test::Redirection redirection(ThisProgram(), TRUE);
   redirection.loads = false;
   std::string path = "x.sys";
   const auto calls = CallsWhileFinding(redirection, "", path);
@@ -300,7 +246,7 @@ TEST(ImageLocation, LooksUpTheRevertAlsoWhenTheLibraryDoesNotLoad) {
 }
 
 TEST(ImageLocation, LeavesRedirectionAloneWhenTheFileIsThere) {
-  Redirection redirection(TRUE);
+  test::Redirection redirection(ThisProgram(), TRUE);
   HOOK(find, ThisProgram(), FindFirstFileA,
        [](const char*, WIN32_FIND_DATAA*) { return reinterpret_cast<HANDLE>(std::intptr_t{77}); });
   std::string path = "x.sys";

@@ -58,4 +58,4 @@ class ImportHook<Function> {
 
 /// HOOK(hook, module, RegOpenKeyExA, [&](HKEY key, ...) -> LSTATUS { ... });
 #define HOOK(variable, module, function, ...) \
-  const test::ImportHook<&function> variable((module), #function, __VA_ARGS__)
+  const test::ImportHook<&function> variable { (module), #function, __VA_ARGS__ }

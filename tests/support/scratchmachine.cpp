@@ -31,6 +31,13 @@ void DeleteKey(const std::string& path) {
   RegDeleteKeyExA(HKEY_LOCAL_MACHINE, path.c_str(), KEY_WOW64_64KEY, 0);
 }
 
+void DeleteValue(const std::string& path, const std::string& name) {
+  HKEY key = nullptr;
+  if (RegOpenKeyExA(HKEY_LOCAL_MACHINE, path.c_str(), 0, Access, &key) != ERROR_SUCCESS) return;
+  RegDeleteValueA(key, name.c_str());
+  RegCloseKey(key);
+}
+
 }  // namespace
 
 bool MayChangeThisMachine() {
@@ -69,12 +76,20 @@ DriverService::DriverService(const std::string& name, const std::string& imagePa
     : m_key("System\\CurrentControlSet\\Services\\" + name) {
   const SC_HANDLE manager = OpenSCManagerA(nullptr, nullptr, SC_MANAGER_CREATE_SERVICE);
   Require(manager != nullptr, "opening the service control manager");
-  m_service = CreateServiceA(manager, name.c_str(), ("Display name of " + name).c_str(), DELETE, serviceType, startType,
-                             SERVICE_ERROR_NORMAL, imagePath.c_str(), nullptr, nullptr, nullptr, nullptr, nullptr);
+  // A service cannot be created without a path, but left without one.
+  m_service =
+      CreateServiceA(manager, name.c_str(), ("Display name of " + name).c_str(), DELETE | SERVICE_CHANGE_CONFIG,
+                     serviceType, startType, SERVICE_ERROR_NORMAL, imagePath.empty() ? "none" : imagePath.c_str(),
+                     nullptr, nullptr, nullptr, nullptr, nullptr);
   const DWORD error = GetLastError();
   CloseServiceHandle(manager);
   SetLastError(error);
   Require(m_service != nullptr, "creating the service " + name);
+  if (!imagePath.empty()) return;
+  Require(ChangeServiceConfigA(m_service, SERVICE_NO_CHANGE, SERVICE_NO_CHANGE, SERVICE_NO_CHANGE, "", nullptr, nullptr,
+                               nullptr, nullptr, nullptr, nullptr),
+          "taking away the path of " + name);
+  DeleteValue(m_key, "ImagePath");
 }
 
 DriverService::~DriverService() {
@@ -99,10 +114,7 @@ RegistryValue::~RegistryValue() {
     DeleteKey(m_key);
     return;
   }
-  HKEY key = nullptr;
-  if (RegOpenKeyExA(HKEY_LOCAL_MACHINE, m_key.c_str(), 0, Access, &key) != ERROR_SUCCESS) return;
-  RegDeleteValueA(key, m_name.c_str());
-  RegCloseKey(key);
+  DeleteValue(m_key, m_name);
 }
 
 RegistryKey::RegistryKey(const std::string& key) : m_key(key) {
@@ -153,7 +165,8 @@ void ScratchFile::SetCreationTime() {
   FILETIME fileTime;
   SystemTimeToFileTime(&time, &fileTime);
   const HANDLE file = CreateFileA(m_path.c_str(), FILE_WRITE_ATTRIBUTES, 0, nullptr, OPEN_EXISTING, 0, nullptr);
-  const bool set = SetFileTime(file, &fileTime, nullptr, nullptr) != FALSE;
+  // Wine has no creation time of its own for a file and shows the time of the last write.
+  const bool set = SetFileTime(file, &fileTime, nullptr, &fileTime) != FALSE;
   CloseHandle(file);
   Require(set, "setting the time of " + m_path);
 }

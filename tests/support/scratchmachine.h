@@ -31,7 +31,7 @@ std::string ProgramDirectory();
 /// A driver service while it lives. Its registry key goes with it.
 class DriverService {
  public:
-  /// The image path is registered as it stands, also as the value "ImagePath" of the key.
+  /// The image path is registered as it stands, also as the value "ImagePath" of the key; an empty one is in neither.
   DriverService(const std::string& name, const std::string& imagePath, DWORD startType = SERVICE_DEMAND_START,
                 DWORD serviceType = SERVICE_KERNEL_DRIVER);
   ~DriverService();

@@ -60,36 +60,48 @@ class RedirectionOff {
   bool m_isOff = false;
 };
 
-/// The driver services of the machine, as the service control manager enumerated them.
-class DriverServices {
- public:
-  explicit DriverServices(SC_HANDLE manager) {
-    if (manager == nullptr) return;
-    DWORD needed = 0;
-    DWORD resume = 0;
-    EnumServicesStatusA(manager, SERVICE_DRIVER, SERVICE_STATE_ALL, nullptr, 0, &needed, &m_count, &resume);
-    m_buffer.resize(needed);
-    m_count = 0;
-    // Once, without asking for more: a driver registered between the two calls shows in the next process.
-    const BOOL complete =
-        EnumServicesStatusA(manager, SERVICE_DRIVER, SERVICE_STATE_ALL, Entries(), needed, &needed, &m_count, &resume);
-    if (!complete && GetLastError() != ERROR_MORE_DATA) m_count = 0;
-    m_count = std::min(m_count, static_cast<DWORD>(m_buffer.size() / sizeof(ENUM_SERVICE_STATUSA)));
-  }
-
-  DWORD Count() const { return m_count; }
-  DWORD State(DWORD index) const { return Entries()[index].ServiceStatus.dwCurrentState; }
-  std::string Name(DWORD index) const {
-    return TextWithin(Entries()[index].lpServiceName, m_buffer.data(), m_buffer.size());
-  }
-
- private:
-  ENUM_SERVICE_STATUSA* Entries() { return reinterpret_cast<ENUM_SERVICE_STATUSA*>(m_buffer.data()); }
-  const ENUM_SERVICE_STATUSA* Entries() const { return reinterpret_cast<const ENUM_SERVICE_STATUSA*>(m_buffer.data()); }
-
-  std::vector<char> m_buffer;
-  DWORD m_count = 0;
+/// One driver service, as the service control manager enumerates it.
+struct DriverService {
+  std::string name;
+  DWORD state;
 };
+
+/// The entries that `buffer` holds, `count` by the platform's word. Entries stand in front of their texts, so they end where
+/// the first text begins, and one without a name is none.
+std::vector<DriverService> Entries(const std::vector<char>& buffer, DWORD count) {
+  const auto* const entries = reinterpret_cast<const ENUM_SERVICE_STATUSA*>(buffer.data());
+  std::vector<DriverService> services;
+  std::size_t end = buffer.size();
+  for (std::size_t i = 0; i < count && (i + 1) * sizeof(*entries) <= end; ++i) {
+    const char* const name = entries[i].lpServiceName;
+    if (name == nullptr) break;
+    services.push_back({TextWithin(name, buffer.data(), buffer.size()), entries[i].ServiceStatus.dwCurrentState});
+    for (const char* const text : {name, static_cast<const char*>(entries[i].lpDisplayName)}) {
+      const std::size_t bytes = BytesFrom(text, buffer.data(), buffer.size());
+      if (bytes > 0) end = std::min(end, buffer.size() - bytes);
+    }
+  }
+  return services;
+}
+
+/// The driver services of the machine; none when the service control manager cannot be asked.
+std::vector<DriverService> EnumerateDriverServices(SC_HANDLE manager) {
+  if (manager == nullptr) return {};
+  DWORD size = 0;
+  DWORD count = 0;
+  DWORD resume = 0;
+  EnumServicesStatusA(manager, SERVICE_DRIVER, SERVICE_STATE_ALL, nullptr, 0, &size, &count, &resume);
+  std::vector<char> buffer(size);
+  count = 0;
+  // Once, without asking for more: a driver registered between the two calls is left to the next process.
+  DWORD needed = 0;
+  if (!EnumServicesStatusA(manager, SERVICE_DRIVER, SERVICE_STATE_ALL,
+                           reinterpret_cast<ENUM_SERVICE_STATUSA*>(buffer.data()), size, &needed, &count, &resume) &&
+      GetLastError() != ERROR_MORE_DATA) {
+    return {};
+  }
+  return Entries(buffer, count);
+}
 
 /// What the listing needs of a service's configuration.
 struct ServiceConfig {
@@ -163,19 +175,19 @@ std::string RecordName(const std::string& path) {
   return dot == std::string::npos ? file : file.substr(0, dot) + ".sys";
 }
 
-/// Appends the driver of the service `name` to `drivers` and to `cache`, or logs why there is nothing to append.
-void AppendDriver(SC_HANDLE manager, const std::string& name, DWORD state, std::vector<DriverData>& drivers,
+/// Appends the driver of `service` to `drivers` and to `cache`, or logs why there is nothing to append.
+void AppendDriver(SC_HANDLE manager, const DriverService& service, std::vector<DriverData>& drivers,
                   std::vector<DriverData>& cache) {
-  const ServiceHandle service(OpenServiceA(manager, name.c_str(), SERVICE_QUERY_CONFIG));
-  if (!service) {
+  const ServiceHandle opened(OpenServiceA(manager, service.name.c_str(), SERVICE_QUERY_CONFIG));
+  if (!opened) {
     const std::string error = GetLastErrorText();
     DRIVERINFO_LOG(2) << error;
     return;
   }
   ServiceConfig config;
-  if (!QueryConfig(service.get(), config)) return;
+  if (!QueryConfig(opened.get(), config)) return;
 
-  const std::string image = GetImageFileName(config.imagePath.c_str(), name.c_str());
+  const std::string image = GetImageFileName(config.imagePath.c_str(), service.name.c_str());
   const std::string stem = image.substr(0, image.rfind('.'));
   std::string path = RegisteredImagePath(stem);
   WIN32_FIND_DATAA file{};
@@ -199,7 +211,7 @@ void AppendDriver(SC_HANDLE manager, const std::string& name, DWORD state, std::
   driver.provider = std::move(versions.company);
   driver.path = std::move(path);
   driver.file_version = versions.file_version.substr(0, versions.file_version.find(' '));
-  driver.state = ServiceStateName(state);
+  driver.state = ServiceStateName(service.state);
   driver.start_type = ServiceStartTypeName(config.startType);
   driver.product_version = std::move(versions.product_version);
   DRIVERINFO_LOG(4) << "DRIVERINFO.name=" << driver.name << " DRIVERINFO.file_version=" << driver.file_version;
@@ -237,9 +249,8 @@ int ServiceDrivers::ListRegisteredDrivers(std::vector<DriverData>& drivers) {
     return 0;
   }
   const ServiceHandle manager(OpenSCManagerA(nullptr, nullptr, SC_MANAGER_ENUMERATE_SERVICE));
-  const DriverServices services(manager.get());
-  for (DWORD i = 0; i < services.Count(); ++i) {
-    AppendDriver(manager.get(), services.Name(i), services.State(i), drivers, cache);
+  for (const DriverService& service : EnumerateDriverServices(manager.get())) {
+    AppendDriver(manager.get(), service, drivers, cache);
   }
   DetectIntelChipset(drivers);
   DetectAmdChipset(drivers);
