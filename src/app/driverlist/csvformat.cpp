@@ -3,17 +3,17 @@
 namespace driverlist {
 namespace {
 
-void AppendField(std::string& line, const std::string& text) {
-  if (text.find_first_of(",\"\r\n") == std::string::npos) {
-    line += text;
-    return;
-  }
-  line += '"';
+std::string Quoted(const std::string& text) {
+  std::string quoted = "\"";
   for (const char c : text) {
-    if (c == '"') line += '"';
-    line += c;
+    if (c == '"') quoted += '"';
+    quoted += c;
   }
-  line += '"';
+  return quoted + "\"";
+}
+
+std::string FieldText(const std::string& text) {
+  return text.find_first_of(",\"\r\n") == std::string::npos ? text : Quoted(text);
 }
 
 template <typename TextOf>
@@ -21,9 +21,10 @@ std::string Record(const std::vector<Column>& columns, TextOf textOf) {
   std::string line;
   for (const Column& column : columns) {
     if (&column != &columns.front()) line += ',';
-    AppendField(line, textOf(column));
+    line += FieldText(textOf(column));
   }
-  return line + "\r\n";
+  // A lone empty field would make an empty line, which many readers take for none.
+  return (line.empty() ? Quoted(line) : line) + "\r\n";
 }
 
 }  // namespace

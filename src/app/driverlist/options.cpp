@@ -30,6 +30,10 @@ CLI::Validator OneOf(const std::map<std::string, Value>& values) {
   return CLI::IsMember(names);
 }
 
+CLI::Validator NotEmpty() {
+  return CLI::Validator([](const std::string& text) { return text.empty() ? "a name is missing" : std::string(); }, "");
+}
+
 }  // namespace
 
 std::string ModeName(Orvane::DriverInfoSetType mode) {
@@ -53,10 +57,11 @@ ParsedCommandLine ParseCommandLine(const std::vector<std::string>& arguments) {
   app.add_option("--columns", columns, "Fields to show, separated by commas")
       ->delimiter(',')
       ->check(CLI::IsMember(ColumnNames()));
-  app.add_option("--output", options.output, "File to write; standard output without it");
+  app.add_option("--output", options.output, "File to write; standard output without it")->check(NotEmpty());
   app.add_option("--log-level", options.logLevel, "Log lines up to this level: 1 errors to 4 everything, 0 none")
       ->check(CLI::Range(0, 4));
-  app.add_option("--log-file", options.logFile, "File to append log lines to; standard error without it");
+  app.add_option("--log-file", options.logFile, "File to append log lines to; standard error without it")
+      ->check(NotEmpty());
   try {
     // CLI11 takes them last to first.
     app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
