@@ -137,7 +137,7 @@ std::string RegisteredImagePath(const std::string& stem) {
   DWORD size = static_cast<DWORD>(value.size());
   DWORD type = REG_EXPAND_SZ;
   RegQueryValueExA(opened, "ImagePath", nullptr, &type, reinterpret_cast<BYTE*>(value.data()), &size);
-  const std::string path = BoundedText(value.data(), value.size());
+  std::string path = BoundedText(value.data(), value.size());
   if (path.find('%') == std::string::npos) return path;
 
   std::array<char, 1024> expanded{};
