@@ -30,7 +30,7 @@ ProgramResult RunProgram(const std::string& program, const std::wstring& argumen
   start.hStdError = errorFile;
   PROCESS_INFORMATION process{};
   if (!CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &start, &process)) {
-    throw std::runtime_error("cannot start " + path);
+    throw std::runtime_error("cannot start " + path + ": error " + std::to_string(GetLastError()));
   }
   WaitForSingleObject(process.hProcess, INFINITE);
   ProgramResult result{};

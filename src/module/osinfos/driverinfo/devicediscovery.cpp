@@ -4,11 +4,14 @@
 
 #include <algorithm>
 #include <array>
+#include <cctype>
 #include <utility>
 
 #include "handles.h"
 #include "logline.h"
+#include "packagefiles.h"
 #include "platformtext.h"
+#include "uniquedrivers.h"
 
 namespace Orvane {
 namespace {
@@ -93,9 +96,73 @@ bool DetectRegistryPackage(const RegistryPackage& package, std::vector<DriverDat
   return true;
 }
 
+/// Appends each record of the device's driver package as it is and, unless its name is all extension, bound to the device.
+void AppendPackageRecords(const PciDeviceRecord& device, std::vector<DriverData>& drivers) {
+  std::vector<DriverData> records;
+  PackageFiles::ReadInfPackage(device.inf_name, records);
+  for (DriverData& record : records) {
+    DRIVERINFO_LOG(3) << record.name << "|" << record.file_version << "|" << record.product_version;
+    drivers.push_back(record);
+    const std::string base = DeviceDiscovery::DriverBaseName(record.name);
+    if (base.empty()) continue;
+    record.name = DeviceRecordName(device, base);
+    drivers.push_back(std::move(record));
+  }
+}
+
+void AppendNoDriverRecord(const PciDeviceRecord& device, std::vector<DriverData>& drivers) {
+  DRIVERINFO_LOG(3) << "Driver name is empty, this device isn't installed a driver.";
+  DriverData driver;
+  driver.file_version = "N/A";
+  driver.provider = device.provider;
+  driver.description = device.description;
+  driver.name = DeviceRecordName(device, std::string());
+  drivers.push_back(std::move(driver));
+}
+
 }  // namespace
 
-int DeviceDiscovery::ListDeviceDrivers(std::vector<DriverData>&) { return 0; }
+int DeviceDiscovery::ListDeviceDrivers(std::vector<DriverData>& drivers) {
+  static std::vector<DriverData> cache;
+  DRIVERINFO_LOG(4) << "Start list exist device driver files.";
+  if (!cache.empty()) {
+    DRIVERINFO_LOG(4) << "Get data from cache.";
+    if (&drivers != &cache) drivers = cache;
+    return 0;
+  }
+  std::vector<PciDeviceRecord> devices;
+  GetPciInfo(devices);
+  ResolveDeviceDrivers(devices, drivers);
+  for (DriverData& driver : drivers) driver.found_by_device = 1;
+  SortAndRemoveDuplicates(drivers);
+  if (&drivers != &cache) cache = drivers;
+  return 0;
+}
+
+void DeviceDiscovery::ResolveDeviceDrivers(const std::vector<PciDeviceRecord>& devices,
+                                           std::vector<DriverData>& drivers) {
+  for (const PciDeviceRecord& device : devices) {
+    DRIVERINFO_LOG(3) << DeviceIdentity(device) << "|" << device.inf_name;
+    if (device.inf_name.empty()) {
+      AppendNoDriverRecord(device, drivers);
+    } else {
+      AppendPackageRecords(device, drivers);
+    }
+  }
+  DetectIntelChipset(drivers);
+  DetectAmdChipset(drivers);
+  DetectAmdPshedPlugin(drivers);
+}
+
+std::string DeviceDiscovery::DriverBaseName(const std::string& name) {
+  std::string lower = name;
+  for (char& c : lower) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  for (const char* const extension : {".inf", ".sys"}) {
+    const std::size_t position = lower.find(extension);
+    if (position != std::string::npos) return name.substr(0, position);
+  }
+  return name;
+}
 
 std::string DeviceIdentity(const PciDeviceRecord& device) {
   return device.vendor_id + "-" + device.device_id + "-" + device.identity_part3 + "-" + device.identity_part4;

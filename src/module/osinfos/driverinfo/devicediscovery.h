@@ -13,8 +13,19 @@ namespace Orvane {
 
 /// The device listing.
 struct DeviceDiscovery {
-  /// The listing behind DriverInfoSetType::ByDevice. Returns 0. Appends nothing so far.
+  /// The listing behind DriverInfoSetType::ByDevice. Always returns 0.
+  ///
+  /// Appends what ResolveDeviceDrivers() finds for the devices that are present, marks all records of `drivers` as found by a
+  /// device, sorts them, keeps one per name and puts the result into the process-wide cache. While the cache holds anything,
+  /// replaces `drivers` by a copy of it instead.
   static int ListDeviceDrivers(std::vector<DriverData>& drivers);
+
+  /// Appends, for each of `devices`, every record of its driver package twice, under its own name and under that of
+  /// DeviceRecordName(), or one no-driver record; then the chipset packages. Logs devices and records at level 3.
+  static void ResolveDeviceDrivers(const std::vector<PciDeviceRecord>& devices, std::vector<DriverData>& drivers);
+
+  /// `name` up to its first ".inf", in any case; without one, up to its first ".sys"; else the whole of it.
+  static std::string DriverBaseName(const std::string& name);
 };
 
 /// What tells `device` from others: `vendor_id`, `device_id`, `identity_part3` and `identity_part4`, joined by "-".

@@ -183,13 +183,18 @@ class DRIVERINFO_API DriverInfo {
   /// Appends the drivers of the machine to `drivers`. Always returns 0, also for a value of `type` that is none of the
   /// enumerators, which lists nothing.
   ///
-  /// - ByDevice appends nothing so far.
+  /// - ByDevice asks the device inventory module for the devices that are present, the Setup API for the driver package of each,
+  ///   and the registry for the chipset packages. The result is sorted, with one record per name, and all records of `drivers`
+  ///   are marked `found_by_device`, the caller's own too. Once a listing has found anything, later calls in the process
+  ///   replace the content of `drivers` by that result.
   /// - Registered asks the service control manager for all driver services, and the registry, the image file and its
   ///   version resource for each. A service whose image file is not found is left out. The order is that of the service
   ///   control manager, without removing duplicates. Records of the chipset packages found in the registry follow.
   ///   Once a listing has found a service, later calls in the process append those same services from a cache, without
   ///   the chipset packages: drivers installed or removed meanwhile do not show.
-  /// - All appends nothing so far.
+  /// - All lists the devices, the services, and the OEM packages of the inf directory, which are read afresh on every call.
+  ///   The result is sorted, with one record per name: the device's, where a device has it, else the one with the oldest
+  ///   version. Records that `drivers` held before take part like those of services.
   int list_drivers(std::vector<DriverData>& drivers, const DriverInfoSetType& type);
 
   /// The same as list_drivers(drivers, ByDevice).

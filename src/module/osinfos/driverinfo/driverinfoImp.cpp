@@ -1,7 +1,64 @@
 #include "driverinfoImp.h"
 
-namespace Orvane {
+#include <algorithm>
+#include <iterator>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
 
-int DriverInfoImp::ListAllDrivers(std::vector<DriverData>&) { return 0; }
+#include "logline.h"
+#include "uniquedrivers.h"
+
+namespace Orvane {
+namespace {
+
+/// A record of the other sources, by its position, that has the name of a device record.
+struct Shadowed {
+  std::size_t device;
+  std::size_t driver;
+};
+
+/// In the order of the device records, for each of them in the order of `drivers`.
+std::vector<Shadowed> FindShadowed(const std::vector<DriverData>& devices, const std::vector<DriverData>& drivers) {
+  std::unordered_map<std::string_view, std::size_t> deviceByName;
+  for (std::size_t i = 0; i < devices.size(); ++i) deviceByName.emplace(devices[i].name, i);
+  std::vector<Shadowed> shadowed;
+  for (std::size_t i = 0; i < drivers.size(); ++i) {
+    const auto device = deviceByName.find(drivers[i].name);
+    if (device != deviceByName.end()) shadowed.push_back({device->second, i});
+  }
+  std::stable_sort(shadowed.begin(), shadowed.end(),
+                   [](const Shadowed& a, const Shadowed& b) { return a.device < b.device; });
+  return shadowed;
+}
+
+/// Drops the records of `drivers` whose name a device record has.
+void EraseShadowed(const std::vector<DriverData>& devices, std::vector<DriverData>& drivers) {
+  std::vector<bool> isShadowed(drivers.size());
+  for (const Shadowed& shadowed : FindShadowed(devices, drivers)) {
+    const DriverData& driver = drivers[shadowed.driver];
+    // The size stands where the line says version; readers of the log know it so.
+    DRIVERINFO_LOG(3) << driver.name << "; version=" << driver.size << " already found by device.";
+    isShadowed[shadowed.driver] = true;
+  }
+  std::size_t kept = 0;
+  for (std::size_t i = 0; i < drivers.size(); ++i) {
+    if (!isShadowed[i]) drivers[kept++] = std::move(drivers[i]);
+  }
+  drivers.resize(kept);
+}
+
+}  // namespace
+
+int DriverInfoImp::ListAllDrivers(std::vector<DriverData>& drivers) {
+  std::vector<DriverData> devices;
+  ListDeviceDrivers(devices);
+  ListRegisteredDrivers(drivers);
+  ScanOemInfCatalogue(drivers);
+  EraseShadowed(devices, drivers);
+  drivers.insert(drivers.end(), std::make_move_iterator(devices.begin()), std::make_move_iterator(devices.end()));
+  SortAndRemoveDuplicates(drivers);
+  return 0;
+}
 
 }  // namespace Orvane

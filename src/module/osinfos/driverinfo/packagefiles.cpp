@@ -3,18 +3,107 @@
 #include <sys/timeb.h>
 
 #include <algorithm>
+#include <array>
+#include <boost/algorithm/string/predicate.hpp>
+#include <boost/filesystem/operations.hpp>
 #include <cstdio>
 #include <cstring>
 #include <ctime>
+#include <map>
 #include <optional>
 #include <utility>
-#include <vector>
 
+#include "handles.h"
 #include "logline.h"
 #include "platformtext.h"
 
 namespace Orvane {
 namespace {
+
+using boost::algorithm::iends_with;
+using boost::algorithm::istarts_with;
+
+/// Where an INF lists its files, and where it describes the disks that they are on. All are read on every machine: a package
+/// for several processors is listed whole. Ordered by name as bytes.
+const std::map<std::string, std::string>& FileAndDiskSections() {
+  static const std::map<std::string, std::string> sections = {{"SourceDisksFiles", "SourceDisksNames"},
+                                                              {"SourceDisksFiles.x86", "SourceDisksNames.x86"},
+                                                              {"SourceDisksFiles.amd64", "SourceDisksNames.amd64"},
+                                                              {"SourceDisksFiles.ia64", "SourceDisksNames.ia64"}};
+  return sections;
+}
+
+/// Reads one INF. All texts go through one buffer: what a failing read leaves there is still that of the read before.
+class InfReader {
+ public:
+  /// False when the file cannot be opened as an INF.
+  explicit InfReader(const std::string& path)
+      : m_inf(SetupOpenInfFileA(path.c_str(), nullptr, INF_STYLE_WIN4, nullptr)) {}
+
+  explicit operator bool() const { return static_cast<bool>(m_inf); }
+
+  /// Field `index` (the first is 1) of the line `key` of the section "version"; none when the line has fewer.
+  std::optional<std::string> VersionField(const char* key, DWORD index) {
+    INFCONTEXT line{};
+    if (!SetupFindFirstLineA(m_inf.get(), "version", key, &line) || SetupGetFieldCount(&line) < index)
+      return std::nullopt;
+    return Field(line, index);
+  }
+
+  /// Field `index` of a line, its key at 0; none when it has no such field or the field does not fit the buffer.
+  std::optional<std::string> Field(INFCONTEXT& line, DWORD index) {
+    if (!SetupGetStringFieldA(&line, index, m_buffer.data(), Size(), nullptr)) return std::nullopt;
+    return Text();
+  }
+
+  /// The line of `disk` in the disk section; where there is none, the text that was read before, which is `disk` itself.
+  std::string DiskName(const std::string& diskSection, const std::string& disk) {
+    SetupGetLineTextA(nullptr, m_inf.get(), diskSection.c_str(), disk.c_str(), m_buffer.data(), Size(), nullptr);
+    return Text();
+  }
+
+  /// Calls `visit` with each line of a section.
+  template <typename Visit>
+  void ForEachLine(const std::string& section, Visit visit) {
+    INFCONTEXT line{};
+    if (!SetupFindFirstLineA(m_inf.get(), section.c_str(), nullptr, &line)) return;
+    do {
+      visit(line);
+    } while (SetupFindNextLine(&line, &line));
+  }
+
+ private:
+  DWORD Size() const { return static_cast<DWORD>(m_buffer.size()); }
+  std::string Text() const { return BoundedText(m_buffer.data(), m_buffer.size()); }
+
+  InfHandle m_inf;
+  std::array<char, 512> m_buffer{};
+};
+
+/// Appends a record for each driver file that `inf` lists. `package` carries what the records of one package share. True when a
+/// ".sys" file was among them.
+bool AppendListedFiles(InfReader& inf, const DriverData& package, std::vector<DriverData>& drivers) {
+  bool hasSysFile = false;
+  for (const auto& [fileSection, diskSection] : FileAndDiskSections()) {
+    inf.ForEachLine(fileSection, [&, &disks = diskSection](INFCONTEXT& line) {
+      const auto name = inf.Field(line, 0);
+      if (!name) return;
+      const bool isSysFile = iends_with(*name, ".sys");
+      if (isSysFile) {
+        DRIVERINFO_LOG(4) << "exist sys file: " << *name;
+        hasSysFile = true;
+      }
+      if (!isSysFile && !iends_with(*name, ".inf")) return;
+      DRIVERINFO_LOG(4) << "Get driver file: " << *name;
+      DriverData driver = package;
+      driver.name = *name;
+      const auto disk = inf.Field(line, 1);
+      driver.description = disk ? inf.DiskName(disks, *disk) : package.provider;
+      drivers.push_back(std::move(driver));
+    });
+  }
+  return hasSysFile;
+}
 
 /// First entry of an image's translation table.
 struct Translation {
@@ -118,6 +207,95 @@ short MinutesEastOfUtc(__time64_t time) {
 }
 
 }  // namespace
+
+void PackageFiles::ReadInfPackage(const std::string& infPath, std::vector<DriverData>& drivers) {
+  DRIVERINFO_LOG(4) << "Start to parse " << infPath;
+  InfReader inf(infPath);
+  // The handle of a failed open is not passed on: not every Setup API survives it.
+  const auto version = inf ? inf.VersionField("DriverVer", 2) : std::nullopt;
+  if (!version) {
+    DRIVERINFO_LOG(4) << "Get driver version failed";
+    return;
+  }
+  DRIVERINFO_LOG(4) << "Get driver version: " << *version;
+  const auto provider = inf.VersionField("Provider", 1);
+  if (!provider) {
+    DRIVERINFO_LOG(4) << "Get driver Provider failed";
+    return;
+  }
+  DriverData package;
+  package.file_version = *version;
+  package.provider = *provider;
+  if (AppendListedFiles(inf, package, drivers)) return;
+  if (!GetInfOriginalName(infPath, package.name)) return;
+  DRIVERINFO_LOG(4) << "add origin inf file:" << package.name;
+  package.description = *provider;
+  drivers.push_back(std::move(package));
+}
+
+void PackageFiles::ScanOemInfCatalogue(std::vector<DriverData>& drivers) {
+  static std::vector<DriverData> cache;
+  DRIVERINFO_LOG(4) << "Start to list driver files from OemInf.";
+  if (!cache.empty()) {
+    DRIVERINFO_LOG(4) << "Get data from cache.";
+    drivers.insert(drivers.end(), cache.begin(), cache.end());
+    return;
+  }
+  std::array<char, 256> windows{};
+  std::string directory;
+  if (GetSystemWindowsDirectoryA(windows.data(), static_cast<UINT>(windows.size())) > 0) {
+    directory = BoundedText(windows.data(), windows.size()) + "\\inf";
+  }
+  try {
+    for (const auto& entry : boost::filesystem::directory_iterator(boost::filesystem::path(directory))) {
+      const std::string name = entry.path().filename().string();
+      if (istarts_with(name, "oem") && iends_with(name, ".inf")) ReadInfPackage(entry.path().string(), drivers);
+    }
+  } catch (const boost::system::system_error&) {
+    // A directory that cannot be walked, or a name outside the ANSI code page: what was found until then is the catalogue.
+  }
+  // Only a cache that holds something grows, and it is answered from above when it does: the catalogue is read afresh on every
+  // call, since packages come and go while the process runs. The other listings are cached.
+  if (!cache.empty()) cache.insert(cache.end(), drivers.begin(), drivers.end());
+}
+
+bool GetInfOriginalName(const std::string& infPath, std::string& originalName) {
+  SYSTEM_INFO system{};
+  GetSystemInfo(&system);
+  OSVERSIONINFOEXA windows{};
+  windows.dwOSVersionInfoSize = sizeof(windows);
+#if defined(_MSC_VER)
+#pragma warning( \
+    suppress : 4996)  // deprecated, but the question is which packages fit the Windows that this process sees
+#endif
+  if (!GetVersionExA(reinterpret_cast<OSVERSIONINFOA*>(&windows))) return false;
+
+  DWORD size = 0;
+  if (!SetupGetInfInformationA(infPath.c_str(), INFINFO_INF_NAME_IS_ABSOLUTE, nullptr, 0, &size)) return false;
+  // The structure that the platform takes has room for its own first members at least.
+  std::vector<char> information(std::max<std::size_t>(size, sizeof(SP_INF_INFORMATION)));
+  auto* const inf = reinterpret_cast<SP_INF_INFORMATION*>(information.data());
+  if (!SetupGetInfInformationA(infPath.c_str(), INFINFO_INF_NAME_IS_ABSOLUTE, inf, size, &size)) return false;
+
+  SP_ALTPLATFORM_INFO_V2 platform{};
+  platform.cbSize = sizeof(platform);
+  platform.Platform = windows.dwPlatformId;
+  platform.ProcessorArchitecture = system.wProcessorArchitecture;
+  platform.Flags = SP_ALTPLATFORM_FLAGS_VERSION_RANGE;
+  // All four are the major version: a package for any release of this Windows qualifies.
+  platform.MajorVersion = windows.dwMajorVersion;
+  platform.MinorVersion = windows.dwMajorVersion;
+  platform.FirstValidatedMajorVersion = windows.dwMajorVersion;
+  platform.FirstValidatedMinorVersion = windows.dwMajorVersion;
+  SP_ORIGINAL_FILE_INFO_A original{};
+  original.cbSize = sizeof(original);
+  if (SetupQueryInfOriginalFileInformationA(inf, 0, reinterpret_cast<PSP_ALTPLATFORM_INFO>(&platform), &original) !=
+      TRUE) {
+    return false;
+  }
+  originalName = BoundedText(original.OriginalInfName, sizeof(original.OriginalInfName));
+  return true;
+}
 
 void PackageFiles::GetDriveInfoFromSysFile(std::string sysFilePath, SysFileInfo& info) {
   DRIVERINFO_LOG(4) << "Enter DriverInfoImp::GetDriveInfoFromSysFile()";
