@@ -62,6 +62,12 @@ TEST(Options, NameFiles) {
   EXPECT_EQ(options.logLevel, 2);
 }
 
+TEST(Options, MayNameFilesThatBeginWithASlash) {
+  const Options options = Parsed({"--output", "/tmp/list.csv", "--log-file", "/log"});
+  EXPECT_EQ(options.output, "/tmp/list.csv");
+  EXPECT_EQ(options.logFile, "/log");
+}
+
 TEST(Options, PrintHelpAndVersion) {
   const ParsedCommandLine help = ParseCommandLine({"--help"});
   EXPECT_FALSE(help.options);

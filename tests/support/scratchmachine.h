@@ -1,19 +1,22 @@
 /// @file
-/// A machine that tests may change: its driver services, its registry and its files.
+/// A machine that tests may change: its driver services, registry, devices and files, each for the life of an object.
 #pragma once
 
 #include <gtest/gtest.h>
 #include <windows.h>
 
 #include <string>
+#include <vector>
+
+#include "machine.h"
 
 namespace test {
 
-/// Whether this machine was made to be changed: a Wine prefix that preparescratch.exe prepared, or any machine whose user says
-/// so by setting the environment variable DRIVERINFO_TESTS_MAY_CHANGE_THIS_MACHINE.
+/// Whether this machine was made to be changed: a Wine prefix that says so, or any machine whose user does by setting the
+/// environment variable DRIVERINFO_TESTS_MAY_CHANGE_THIS_MACHINE.
 bool MayChangeThisMachine();
 
-/// Marks the Wine prefix as one that tests may change.
+/// Lets the Wine prefix say that tests may change it.
 void MarkAsScratchMachine();
 
 /// Skips its tests, saying so, on a machine that is not to be changed.
@@ -22,34 +25,36 @@ class ScratchMachine : public ::testing::Test {
   void SetUp() override;
 };
 
-/// The system directory, such as "C:\windows\system32".
-std::string SystemDirectory();
-
-/// The folder of this test program, which also holds the driver images that the build makes.
-std::string ProgramDirectory();
-
-/// A driver service while it lives. Its registry key goes with it.
-class DriverService {
+/// Base of what cannot be copied.
+class Scratch {
  public:
-  /// The image path is registered as it stands, also as the value "ImagePath" of the key; an empty one is in neither.
-  DriverService(const std::string& name, const std::string& imagePath, DWORD startType = SERVICE_DEMAND_START,
-                DWORD serviceType = SERVICE_KERNEL_DRIVER);
-  ~DriverService();
-  DriverService(const DriverService&) = delete;
-  DriverService& operator=(const DriverService&) = delete;
+  Scratch(const Scratch&) = delete;
+  Scratch& operator=(const Scratch&) = delete;
 
- private:
-  SC_HANDLE m_service;
-  std::string m_key;
+ protected:
+  Scratch() = default;
+  ~Scratch() = default;
 };
 
-/// A registry value below HKEY_LOCAL_MACHINE, in the 64-bit view, while it lives. Keys made for it go with it.
-class RegistryValue {
+class DriverService : Scratch {
  public:
-  RegistryValue(const std::string& key, const std::string& name, DWORD type, const std::string& bytes);
-  ~RegistryValue();
-  RegistryValue(const RegistryValue&) = delete;
-  RegistryValue& operator=(const RegistryValue&) = delete;
+  DriverService(const std::string& name, const std::string& imagePath, DWORD startType = SERVICE_DEMAND_START,
+                DWORD serviceType = SERVICE_KERNEL_DRIVER)
+      : m_name(name) {
+    CreateDriverService(name, imagePath, startType, serviceType);
+  }
+  ~DriverService() { DeleteDriverService(m_name); }
+
+ private:
+  std::string m_name;
+};
+
+/// Keys made for the value go with it.
+class RegistryValue : Scratch {
+ public:
+  RegistryValue(const std::string& key, const std::string& name, DWORD type, const std::string& bytes)
+      : m_key(key), m_name(name), m_madeKey(SetRegistryValue(key, name, type, bytes)) {}
+  ~RegistryValue() { m_madeKey ? DeleteRegistryKey(m_key) : DeleteRegistryValue(m_key, m_name); }
 
  private:
   std::string m_key;
@@ -57,44 +62,48 @@ class RegistryValue {
   bool m_madeKey;
 };
 
-/// A registry key without values below HKEY_LOCAL_MACHINE, in the 64-bit view, while it lives.
-class RegistryKey {
+/// A key without values.
+class RegistryKey : Scratch {
  public:
-  explicit RegistryKey(const std::string& key);
-  ~RegistryKey();
-  RegistryKey(const RegistryKey&) = delete;
-  RegistryKey& operator=(const RegistryKey&) = delete;
+  explicit RegistryKey(const std::string& key) : m_key(key) { MakeRegistryKey(key); }
+  ~RegistryKey() { DeleteRegistryKey(m_key); }
 
  private:
   std::string m_key;
 };
 
-/// A file while it lives; folders made for it go with it. Its creation time is 21 June 2006, 13:05:09 UTC.
-class ScratchFile {
+class Device : Scratch {
+ public:
+  explicit Device(const DeviceSettings& settings) : m_instanceId(settings.instanceId) { CreateDevice(settings); }
+  ~Device() { RemoveDevice(m_instanceId); }
+
+ private:
+  std::string m_instanceId;
+};
+
+/// Folders made for the file go with it. Its creation time is 21 June 2006, 13:05:09 UTC.
+class ScratchFile : Scratch {
  public:
   /// A file of `size` zero bytes.
   ScratchFile(const std::string& path, std::size_t size);
   /// A copy of `image`, one of the driver images beside the test program.
   ScratchFile(const std::string& path, const std::string& image);
+  /// A file of text lines, ended by "\r\n".
+  ScratchFile(const std::string& path, const std::vector<std::string>& lines);
   ~ScratchFile();
-  ScratchFile(const ScratchFile&) = delete;
-  ScratchFile& operator=(const ScratchFile&) = delete;
+
+  const std::string& Path() const { return m_path; }
 
  private:
-  void MakeFolders();
-  void SetCreationTime();
-
   std::string m_path;
   std::string m_firstFolderMade;
 };
 
-/// An entry of the process's environment while it lives; the former value comes back.
-class EnvironmentVariable {
+/// An entry of the process's environment; the former value comes back.
+class EnvironmentVariable : Scratch {
  public:
   EnvironmentVariable(const std::string& name, const std::string& value);
   ~EnvironmentVariable();
-  EnvironmentVariable(const EnvironmentVariable&) = delete;
-  EnvironmentVariable& operator=(const EnvironmentVariable&) = delete;
 
  private:
   std::string m_name;

@@ -45,6 +45,8 @@ std::string ModeName(Orvane::DriverInfoSetType mode) {
 
 ParsedCommandLine ParseCommandLine(const std::vector<std::string>& arguments) {
   CLI::App app("Lists the device drivers of this machine.", "driverlist");
+  // A name such as "/tmp/list.csv" is no option.
+  app.allow_windows_style_options(false);
   app.set_version_flag("--version", "driverlist " DRIVERLIST_VERSION);
   std::string mode = "all";
   std::string format = "table";

@@ -18,35 +18,48 @@
 
 namespace Orvane {
 
-/// One device. Texts are narrow strings in the system's ANSI code page, identifiers in the case in which Windows reports
-/// them. The order of the members is the layout that all modules share.
+/// One device. Texts are narrow strings in the system's ANSI code page, identifiers in the case in which Windows reports them.
+/// Unknown is the empty text unless a field says otherwise. The order of the members is the layout that all modules share;
+/// the device listing of driverinfo.dll reads those with a name of their own.
 struct PciDeviceRecord {
   /// Device description, for people.
   std::string description;
-  /// Device identifier, such as "105E".
+  /// Device identifier, such as "15F3" (PCI) or "105E" (platform); "0000" for a platform device whose identifier has none.
   std::string device_id;
+  /// The most specific hardware identifier, such as "PCI\VEN_8086&DEV_15F3&SUBSYS_0A5C1028&REV_03".
   std::string text3;
+  /// Device instance identifier.
   std::string text4;
   /// Manufacturer.
   std::string provider;
-  /// Vendor identifier, such as "8086" or "INTC".
+  /// Vendor identifier, such as "8086" (PCI) or "INTC" (platform).
   std::string vendor_id;
+  /// Setup class, such as "Net".
   std::string text7;
-  /// Third part of the device's identity; "0000" when the device has none.
+  /// Subsystem vendor of a PCI device, such as "1028"; "0000" when it has none, as platform devices.
   std::string identity_part3;
+  /// Where the device is, such as "PCI bus 0, device 31, function 6".
   std::string text9;
-  /// Fourth part of the device's identity; "0000" when the device has none.
+  /// Subsystem device of a PCI device, such as "0A5C"; "0000" when it has none, as platform devices.
   std::string identity_part4;
+  /// Service that drives the device.
   std::string text11;
+  /// Version of the installed driver package.
   std::string text12;
+  /// Date of the installed driver package.
   std::string text13;
+  /// Name that the device's own driver gave it.
   std::string text14;
-  /// Full path of the INF file of the installed driver; empty when no driver is installed.
+  /// Full path of the INF file of the installed driver package; empty when no driver is installed.
   std::string inf_name;
+  /// All hardware identifiers, the most specific first.
   std::vector<std::string> list;
 };
 
 }  // namespace Orvane
 
-/// Appends one record per present device to `devices`, which is the caller's. This version reports no device.
+/// Appends one record per present device of the enumerators PCI and ACPI to `devices`, which is the caller's, in the order in
+/// which the Setup API enumerates them. Everything is read from the device node and its driver key; no list of drivers that
+/// would fit is ever built. A device that cannot be read is left out, with a line at level 2 of the log. Throws nothing but
+/// std::bad_alloc.
 extern "C" PCIINFO_API void GetPciInfo(std::vector<Orvane::PciDeviceRecord>& devices);

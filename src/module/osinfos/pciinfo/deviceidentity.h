@@ -1,0 +1,27 @@
+/// @file
+/// What the identifiers of a device say. Needs nothing of the platform.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace Orvane {
+
+/// The parts of a device's identity, as in PciDeviceRecord.
+struct DeviceIdentifiers {
+  std::string vendor;
+  std::string device;
+  std::string part3 = "0000";
+  std::string part4 = "0000";
+};
+
+/// Whether a device instance identifier belongs to the enumerator, whatever the case of both.
+bool HasEnumerator(std::string_view instanceId, std::string_view enumerator);
+
+/// Reads a hardware or instance identifier of the enumerators PCI and ACPI, such as
+/// "PCI\VEN_8086&DEV_15F3&SUBSYS_0A5C1028&REV_03", "ACPI\VEN_INTC&DEV_105E" or "ACPI\INTC105E\2&DABA3FF&0".
+/// None for an identifier of another form.
+std::optional<DeviceIdentifiers> ParseIdentifier(std::string_view identifier);
+
+}  // namespace Orvane

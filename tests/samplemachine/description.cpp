@@ -1,0 +1,112 @@
+#include "description.h"
+
+#include <cstdio>
+#include <fstream>
+#include <map>
+#include <nlohmann/json.hpp>
+#include <stdexcept>
+
+namespace samplemachine {
+namespace {
+
+using Json = nlohmann::json;
+
+DWORD Named(const std::map<std::string, DWORD>& values, const std::string& name) {
+  const auto value = values.find(name);
+  if (value == values.end()) throw std::runtime_error("\"" + name + "\" is none of the names that may stand there");
+  return value->second;
+}
+
+SYSTEMTIME Time(const std::string& text) {
+  SYSTEMTIME time{};
+  if (std::sscanf(text.c_str(), "%4hu-%2hu-%2huT%2hu:%2hu:%2hu", &time.wYear, &time.wMonth, &time.wDay, &time.wHour,
+                  &time.wMinute, &time.wSecond) != 6) {
+    throw std::runtime_error("\"" + text + "\" is no time");
+  }
+  return time;
+}
+
+void ReadVersion(const std::string& text, WORD (&words)[4]) {
+  if (std::sscanf(text.c_str(), "%hu.%hu.%hu.%hu", &words[0], &words[1], &words[2], &words[3]) != 4) {
+    throw std::runtime_error("\"" + text + "\" is no version of four numbers");
+  }
+}
+
+std::wstring Wide(const std::string& utf8) {
+  std::wstring wide(static_cast<std::size_t>(MultiByteToWideChar(CP_UTF8, 0, utf8.c_str(), -1, nullptr, 0)), L'\0');
+  MultiByteToWideChar(CP_UTF8, 0, utf8.c_str(), -1, wide.data(), static_cast<int>(wide.size()));
+  wide.pop_back();
+  return wide;
+}
+
+Driver ReadDriver(const Json& json) {
+  Driver driver{};
+  driver.file = json.at("file");
+  driver.size = json.at("size");
+  driver.created = Time(json.at("created"));
+  driver.hasVersion = json.contains("file_version");
+  if (!driver.hasVersion) return driver;
+  ReadVersion(json.at("file_version"), driver.version.file);
+  ReadVersion(json.at("product_version"), driver.version.product);
+  for (const auto& [key, member] :
+       {std::pair(L"CompanyName", "company"), std::pair(L"FileDescription", "description")}) {
+    if (json.contains(member)) driver.version.texts.emplace_back(key, Wide(json.at(member)));
+  }
+  return driver;
+}
+
+Service ReadService(const Json& json) {
+  static const std::map<std::string, DWORD> types = {{"kernel", SERVICE_KERNEL_DRIVER},
+                                                     {"file system", SERVICE_FILE_SYSTEM_DRIVER}};
+  static const std::map<std::string, DWORD> starts = {{"boot", SERVICE_BOOT_START},
+                                                      {"system", SERVICE_SYSTEM_START},
+                                                      {"automatic", SERVICE_AUTO_START},
+                                                      {"manual", SERVICE_DEMAND_START},
+                                                      {"disabled", SERVICE_DISABLED}};
+  return {json.at("name"), json.at("image_path"), Named(types, json.value("type", "kernel")),
+          Named(starts, json.at("start")), json.value("running", false)};
+}
+
+test::DeviceSettings ReadDevice(const Json& json) {
+  test::DeviceSettings device;
+  device.instanceId = json.at("instance_id");
+  device.description = json.at("description");
+  device.manufacturer = json.at("manufacturer");
+  device.className = json.at("class");
+  device.hardwareIds = json.at("hardware_ids").get<std::vector<std::string>>();
+  device.location = json.value("location", "");
+  device.service = json.value("service", "");
+  if (json.contains("package")) {
+    const Json& package = json.at("package");
+    device.package = test::InstalledPackage{package.at("inf"), package.at("version"), package.at("date")};
+  }
+  return device;
+}
+
+Package ReadPackage(const Json& json) { return {json.at("inf"), json.at("lines").get<std::vector<std::string>>()}; }
+
+RegistryText ReadRegistry(const Json& json) { return {json.at("key"), json.at("value"), json.at("text")}; }
+
+template <typename Read>
+auto ReadAll(const Json& json, const char* member, Read read) {
+  std::vector<decltype(read(json))> all;
+  for (const Json& item : json.at(member)) all.push_back(read(item));
+  return all;
+}
+
+}  // namespace
+
+Description ReadDescription(const std::string& path) {
+  std::ifstream file(path);
+  if (!file) throw std::runtime_error(path + " cannot be read.");
+  try {
+    const Json json = Json::parse(file);
+    return {ReadAll(json, "drivers", ReadDriver), ReadAll(json, "services", ReadService),
+            ReadAll(json, "packages", ReadPackage), ReadAll(json, "devices", ReadDevice),
+            ReadAll(json, "registry", ReadRegistry)};
+  } catch (const std::exception& problem) {
+    throw std::runtime_error(path + " describes no machine: " + problem.what() + ".");
+  }
+}
+
+}  // namespace samplemachine

@@ -1,0 +1,299 @@
+#include "machine.h"
+
+#include <objbase.h>
+// After windows.h.
+#include <setupapi.h>
+
+#include <cstring>
+#include <stdexcept>
+
+#include "handles.h"
+
+namespace test {
+namespace {
+
+using Orvane::RegKey;
+using Orvane::ServiceHandle;
+using Orvane::UniqueHandle;
+using DeviceSet = UniqueHandle<HDEVINFO, &SetupDiDestroyDeviceInfoList>;
+using FileHandle = UniqueHandle<HANDLE, &CloseHandle>;
+
+constexpr REGSAM Access = KEY_READ | KEY_WRITE | KEY_WOW64_64KEY;
+constexpr char EnumKey[] = "System\\CurrentControlSet\\Enum\\";
+
+void Require(bool success, const std::string& what) {
+  if (!success) throw std::runtime_error(what + " failed with error " + std::to_string(GetLastError()));
+}
+
+void RequireStatus(LSTATUS status, const std::string& what) {
+  SetLastError(static_cast<DWORD>(status));
+  Require(status == ERROR_SUCCESS, what);
+}
+
+RegKey OpenKey(const std::string& path, REGSAM access) {
+  HKEY key = nullptr;
+  RegOpenKeyExA(HKEY_LOCAL_MACHINE, path.c_str(), 0, access, &key);
+  return RegKey(key);
+}
+
+std::pair<RegKey, bool> MakeKey(const std::string& path) {
+  HKEY key = nullptr;
+  DWORD disposition = 0;
+  RequireStatus(RegCreateKeyExA(HKEY_LOCAL_MACHINE, path.c_str(), 0, nullptr, 0, Access, nullptr, &key, &disposition),
+                "creating the key " + path);
+  return {RegKey(key), disposition == REG_CREATED_NEW_KEY};
+}
+
+ServiceHandle OpenManager(DWORD access) {
+  ServiceHandle manager(OpenSCManagerA(nullptr, nullptr, access));
+  Require(static_cast<bool>(manager), "opening the service control manager");
+  return manager;
+}
+
+GUID GuidOf(const std::string& text) {
+  GUID guid;
+  Require(CLSIDFromString(std::wstring(text.begin(), text.end()).c_str(), &guid) == S_OK, "reading the GUID " + text);
+  return guid;
+}
+
+void SetProperty(HDEVINFO set, SP_DEVINFO_DATA& device, DWORD property, const std::string& value) {
+  if (value.empty()) return;
+  Require(SetupDiSetDeviceRegistryPropertyA(set, &device, property, reinterpret_cast<const BYTE*>(value.c_str()),
+                                            static_cast<DWORD>(value.size() + 1)),
+          "setting a property of a device");
+}
+
+void SetText(const RegKey& key, const char* name, const std::string& value) {
+  RequireStatus(RegSetValueExA(key.get(), name, 0, REG_SZ, reinterpret_cast<const BYTE*>(value.c_str()),
+                               static_cast<DWORD>(value.size() + 1)),
+                std::string("setting the value ") + name);
+}
+
+/// One block of a version resource: length, length of the value, type, key, value, children, each aligned to four bytes.
+class VersionBlock {
+ public:
+  VersionBlock(const std::wstring& key, bool isText) {
+    Word(0);
+    Word(0);
+    Word(isText ? 1 : 0);
+    for (const wchar_t c : key) Word(static_cast<WORD>(c));
+    Word(0);
+    Align();
+  }
+  void BinaryValue(const void* value, std::size_t size) {
+    SetWord(2, static_cast<WORD>(size));
+    const char* const bytes = static_cast<const char*>(value);
+    m_bytes.insert(m_bytes.end(), bytes, bytes + size);
+  }
+  void TextValue(const std::wstring& text) {
+    SetWord(2, static_cast<WORD>(text.size() + 1));
+    for (const wchar_t c : text) Word(static_cast<WORD>(c));
+    Word(0);
+  }
+  void Child(VersionBlock child) {
+    Align();
+    const std::vector<char> bytes = std::move(child).Finished();
+    m_bytes.insert(m_bytes.end(), bytes.begin(), bytes.end());
+  }
+  std::vector<char> Finished() && {
+    SetWord(0, static_cast<WORD>(m_bytes.size()));
+    return std::move(m_bytes);
+  }
+
+ private:
+  void Word(WORD word) {
+    m_bytes.push_back(static_cast<char>(word & 0xFF));
+    m_bytes.push_back(static_cast<char>(word >> 8));
+  }
+  void SetWord(std::size_t offset, WORD word) { std::memcpy(&m_bytes[offset], &word, sizeof(word)); }
+  void Align() { m_bytes.resize((m_bytes.size() + 3) & ~std::size_t{3}); }
+
+  std::vector<char> m_bytes;
+};
+
+std::wstring Hex4(WORD word) {
+  wchar_t text[8];
+  std::swprintf(text, 8, L"%04x", word);
+  return text;
+}
+
+}  // namespace
+
+bool IsWine() { return GetProcAddress(GetModuleHandleA("ntdll.dll"), "wine_get_version") != nullptr; }
+
+std::string SystemDirectory() {
+  char path[MAX_PATH];
+  return std::string(path, GetSystemDirectoryA(path, MAX_PATH));
+}
+
+std::string InfDirectory() {
+  char path[MAX_PATH];
+  return std::string(path, GetSystemWindowsDirectoryA(path, MAX_PATH)) + "\\inf";
+}
+
+std::string ProgramDirectory() {
+  char path[MAX_PATH];
+  const std::string program(path, GetModuleFileNameA(nullptr, path, MAX_PATH));
+  return program.substr(0, program.rfind('\\'));
+}
+
+bool MakeRegistryKey(const std::string& key) { return MakeKey(key).second; }
+
+bool SetRegistryValue(const std::string& key, const std::string& name, DWORD type, const std::string& bytes) {
+  const auto [handle, isNew] = MakeKey(key);
+  RequireStatus(RegSetValueExA(handle.get(), name.c_str(), 0, type, reinterpret_cast<const BYTE*>(bytes.data()),
+                               static_cast<DWORD>(bytes.size())),
+                "setting the value " + name + " of " + key);
+  return isNew;
+}
+
+void DeleteRegistryValue(const std::string& key, const std::string& name) {
+  if (const RegKey opened = OpenKey(key, Access)) RegDeleteValueA(opened.get(), name.c_str());
+}
+
+void DeleteRegistryKey(const std::string& key) {
+  if (const RegKey opened = OpenKey(key, Access | DELETE)) {
+    RegDeleteTreeA(opened.get(), nullptr);
+    RegDeleteKeyExA(HKEY_LOCAL_MACHINE, key.c_str(), KEY_WOW64_64KEY, 0);
+  }
+}
+
+std::vector<std::string> RegistrySubkeys(const std::string& key) {
+  std::vector<std::string> names;
+  const RegKey opened = OpenKey(key, Access);
+  char name[512];
+  while (opened && RegEnumKeyA(opened.get(), static_cast<DWORD>(names.size()), name, sizeof(name)) == ERROR_SUCCESS) {
+    names.emplace_back(name);
+  }
+  return names;
+}
+
+std::string ServiceKey(const std::string& name) { return "System\\CurrentControlSet\\Services\\" + name; }
+
+void CreateDriverService(const std::string& name, const std::string& imagePath, DWORD startType, DWORD serviceType) {
+  const ServiceHandle manager = OpenManager(SC_MANAGER_CREATE_SERVICE);
+  // A service cannot be created without a path, but left without one.
+  const ServiceHandle service(CreateServiceA(manager.get(), name.c_str(), ("Display name of " + name).c_str(),
+                                             SERVICE_CHANGE_CONFIG, serviceType, startType, SERVICE_ERROR_NORMAL,
+                                             imagePath.empty() ? "none" : imagePath.c_str(), nullptr, nullptr, nullptr,
+                                             nullptr, nullptr));
+  Require(static_cast<bool>(service), "creating the service " + name);
+  if (!imagePath.empty()) return;
+  Require(ChangeServiceConfigA(service.get(), SERVICE_NO_CHANGE, SERVICE_NO_CHANGE, SERVICE_NO_CHANGE, "", nullptr,
+                               nullptr, nullptr, nullptr, nullptr, nullptr),
+          "taking away the path of " + name);
+  DeleteRegistryValue(ServiceKey(name), "ImagePath");
+}
+
+void StartDriverService(const std::string& name) {
+  const ServiceHandle manager = OpenManager(SC_MANAGER_CONNECT);
+  const ServiceHandle service(OpenServiceA(manager.get(), name.c_str(), SERVICE_START));
+  Require(service && (StartServiceA(service.get(), 0, nullptr) || GetLastError() == ERROR_SERVICE_ALREADY_RUNNING),
+          "starting the service " + name);
+}
+
+void DeleteDriverService(const std::string& name) {
+  const ServiceHandle manager = OpenManager(SC_MANAGER_CONNECT);
+  if (const ServiceHandle service{OpenServiceA(manager.get(), name.c_str(), SERVICE_STOP | DELETE)}) {
+    SERVICE_STATUS status;
+    ControlService(service.get(), SERVICE_CONTROL_STOP, &status);
+    DeleteService(service.get());
+  }
+  DeleteRegistryKey(ServiceKey(name));
+}
+
+void CreateDevice(const DeviceSettings& settings) {
+  const DeviceSet set(SetupDiCreateDeviceInfoList(nullptr, nullptr));
+  Require(static_cast<bool>(set), "making a list of devices");
+  const GUID classGuid = GuidOf(settings.classGuid);
+  SP_DEVINFO_DATA device{};
+  device.cbSize = sizeof(device);
+  Require(SetupDiCreateDeviceInfoA(set.get(), settings.instanceId.c_str(), &classGuid, settings.description.c_str(),
+                                   nullptr, 0, &device) &&
+              SetupDiRegisterDeviceInfo(set.get(), &device, 0, nullptr, nullptr, nullptr),
+          "creating the device " + settings.instanceId);
+  SetProperty(set.get(), device, SPDRP_MFG, settings.manufacturer);
+  SetProperty(set.get(), device, SPDRP_CLASS, settings.className);
+  SetProperty(set.get(), device, SPDRP_LOCATION_INFORMATION, settings.location);
+  SetProperty(set.get(), device, SPDRP_SERVICE, settings.service);
+  SetProperty(set.get(), device, SPDRP_FRIENDLYNAME, settings.friendlyName);
+  std::string hardwareIds;
+  for (const std::string& id : settings.hardwareIds) hardwareIds += id + '\0';
+  SetProperty(set.get(), device, SPDRP_HARDWAREID, hardwareIds);
+  if (!settings.package) return;
+  const RegKey driver(SetupDiCreateDevRegKeyA(set.get(), &device, DICS_FLAG_GLOBAL, 0, DIREG_DRV, nullptr, nullptr));
+  Require(static_cast<bool>(driver), "creating the driver key of " + settings.instanceId);
+  SetText(driver, "InfPath", settings.package->inf);
+  SetText(driver, "DriverVersion", settings.package->version);
+  SetText(driver, "DriverDate", settings.package->date);
+  SetText(driver, "DriverDesc", settings.description);
+}
+
+void RemoveDevice(const std::string& instanceId) {
+  const DeviceSet set(SetupDiCreateDeviceInfoList(nullptr, nullptr));
+  SP_DEVINFO_DATA device{};
+  device.cbSize = sizeof(device);
+  if (!set || !SetupDiOpenDeviceInfoA(set.get(), instanceId.c_str(), nullptr, 0, &device)) return;
+  SetupDiDeleteDevRegKey(set.get(), &device, DICS_FLAG_GLOBAL, 0, DIREG_DRV);
+  SetupDiRemoveDevice(set.get(), &device);
+  if (IsWine()) DeleteRegistryKey(EnumKey + instanceId);
+}
+
+std::string MakeFoldersFor(const std::string& path) {
+  std::string first;
+  for (std::size_t end = path.find('\\', 3); end != std::string::npos; end = path.find('\\', end + 1)) {
+    const std::string folder = path.substr(0, end);
+    if (CreateDirectoryA(folder.c_str(), nullptr) && first.empty()) first = folder;
+  }
+  return first;
+}
+
+void SetFileCreationTime(const std::string& path, const SYSTEMTIME& utc) {
+  FILETIME fileTime;
+  const FileHandle file(CreateFileA(path.c_str(), FILE_WRITE_ATTRIBUTES, 0, nullptr, OPEN_EXISTING, 0, nullptr));
+  Require(file && SystemTimeToFileTime(&utc, &fileTime) && SetFileTime(file.get(), &fileTime, nullptr, &fileTime),
+          "setting the time of " + path);
+}
+
+std::vector<char> VersionResourceBytes(const VersionSettings& settings) {
+  VS_FIXEDFILEINFO fixed{};
+  fixed.dwSignature = VS_FFI_SIGNATURE;
+  fixed.dwStrucVersion = VS_FFI_STRUCVERSION;
+  fixed.dwFileVersionMS = static_cast<DWORD>(MAKELONG(settings.file[1], settings.file[0]));
+  fixed.dwFileVersionLS = static_cast<DWORD>(MAKELONG(settings.file[3], settings.file[2]));
+  fixed.dwProductVersionMS = static_cast<DWORD>(MAKELONG(settings.product[1], settings.product[0]));
+  fixed.dwProductVersionLS = static_cast<DWORD>(MAKELONG(settings.product[3], settings.product[2]));
+  fixed.dwFileOS = VOS_NT_WINDOWS32;
+  fixed.dwFileType = VFT_DRV;
+  VersionBlock root(L"VS_VERSION_INFO", false);
+  root.BinaryValue(&fixed, sizeof(fixed));
+  VersionBlock table(Hex4(settings.language) + Hex4(settings.codePage), true);
+  for (const auto& [key, text] : settings.texts) {
+    VersionBlock entry(key, true);
+    entry.TextValue(text);
+    table.Child(std::move(entry));
+  }
+  VersionBlock strings(L"StringFileInfo", true);
+  strings.Child(std::move(table));
+  root.Child(std::move(strings));
+  const WORD translation[] = {settings.language, settings.codePage};
+  VersionBlock translations(L"Translation", false);
+  translations.BinaryValue(translation, sizeof(translation));
+  VersionBlock variables(L"VarFileInfo", true);
+  variables.Child(std::move(translations));
+  root.Child(std::move(variables));
+  return std::move(root).Finished();
+}
+
+void SetVersionResource(const std::string& path, const std::vector<char>& bytes) {
+  const HANDLE update = BeginUpdateResourceA(path.c_str(), FALSE);
+  Require(update != nullptr, "opening the resources of " + path);
+  // The resource type and name of a version resource, RT_VERSION and 1.
+  Require(
+      UpdateResourceA(update, MAKEINTRESOURCEA(16), MAKEINTRESOURCEA(1), MAKELANGID(LANG_ENGLISH, SUBLANG_ENGLISH_US),
+                      const_cast<char*>(bytes.data()), static_cast<DWORD>(bytes.size())) &&
+          EndUpdateResourceA(update, FALSE),
+      "writing the version resource of " + path);
+}
+
+}  // namespace test

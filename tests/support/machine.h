@@ -1,0 +1,99 @@
+/// @file
+/// What a machine is made of: driver services, registry values, devices, driver images. Every function asks Windows for it and
+/// throws std::runtime_error when Windows refuses.
+#pragma once
+
+#include <windows.h>
+
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace test {
+
+/// Whether this Windows is Wine.
+bool IsWine();
+
+/// The system directory, such as "C:\windows\system32".
+std::string SystemDirectory();
+
+/// The inf directory, such as "C:\windows\inf".
+std::string InfDirectory();
+
+/// The folder of this program, which also holds the driver images that the build makes.
+std::string ProgramDirectory();
+
+// --- Registry. Keys are below HKEY_LOCAL_MACHINE, in the 64-bit view.
+
+/// True when the key did not exist before.
+bool MakeRegistryKey(const std::string& key);
+/// True when the key did not exist before.
+bool SetRegistryValue(const std::string& key, const std::string& name, DWORD type, const std::string& bytes);
+void DeleteRegistryValue(const std::string& key, const std::string& name);
+/// With all that is below it.
+void DeleteRegistryKey(const std::string& key);
+std::vector<std::string> RegistrySubkeys(const std::string& key);
+
+// --- Services.
+
+std::string ServiceKey(const std::string& name);
+
+/// The image path is registered as it stands, also as the value "ImagePath" of the key; an empty one is in neither.
+void CreateDriverService(const std::string& name, const std::string& imagePath, DWORD startType, DWORD serviceType);
+void StartDriverService(const std::string& name);
+/// Stops the service where it runs, and removes its registry key too. Nothing happens when there is no such service.
+void DeleteDriverService(const std::string& name);
+
+// --- Devices.
+
+/// What the driver key of a device says about the installed package.
+struct InstalledPackage {
+  std::string inf;
+  std::string version;
+  std::string date;
+};
+
+struct DeviceSettings {
+  std::string instanceId;
+  std::string description;
+  std::string manufacturer;
+  std::string className;
+  /// In braces.
+  std::string classGuid = "{4D36E97D-E325-11CE-BFC1-08002BE10318}";
+  std::vector<std::string> hardwareIds;
+  std::string location;
+  std::string service;
+  std::string friendlyName;
+  std::optional<InstalledPackage> package;
+};
+
+void CreateDevice(const DeviceSettings& settings);
+/// Nothing happens when there is no such device.
+void RemoveDevice(const std::string& instanceId);
+
+// --- Files.
+
+/// Makes the folders above `path` that do not exist. Returns the first of them; empty when all existed.
+std::string MakeFoldersFor(const std::string& path);
+
+/// Creation time in UTC. Wine has none of its own for a file and shows the time of the last write, which is set too.
+void SetFileCreationTime(const std::string& path, const SYSTEMTIME& utc);
+
+/// Version resource of a driver image.
+struct VersionSettings {
+  WORD file[4] = {};
+  WORD product[4] = {};
+  WORD language = 0x0409;
+  WORD codePage = 0x04B0;
+  /// Such as "CompanyName", in UTF-16.
+  std::vector<std::pair<std::wstring, std::wstring>> texts;
+};
+
+/// The bytes of a version resource.
+std::vector<char> VersionResourceBytes(const VersionSettings& settings);
+
+/// Puts `bytes` into the image at `path` as its version resource.
+void SetVersionResource(const std::string& path, const std::vector<char>& bytes);
+
+}  // namespace test
