@@ -1,6 +1,5 @@
 #include "machine.h"
 
-#include <objbase.h>
 // After windows.h.
 #include <setupapi.h>
 
@@ -50,10 +49,17 @@ ServiceHandle OpenManager(DWORD access) {
   return manager;
 }
 
-GUID GuidOf(const std::string& text) {
-  GUID guid;
-  Require(CLSIDFromString(std::wstring(text.begin(), text.end()).c_str(), &guid) == S_OK, "reading the GUID " + text);
-  return guid;
+GUID ClassGuid(const std::string& name) {
+  static const std::pair<const char*, GUID> classes[] = {
+      {"Display", {0x4D36E968, 0xE325, 0x11CE, {0xBF, 0xC1, 0x08, 0x00, 0x2B, 0xE1, 0x03, 0x18}}},
+      {"HIDClass", {0x745A17A0, 0x74D3, 0x11D0, {0xB6, 0xFE, 0x00, 0xA0, 0xC9, 0x0F, 0x57, 0xDA}}},
+      {"Net", {0x4D36E972, 0xE325, 0x11CE, {0xBF, 0xC1, 0x08, 0x00, 0x2B, 0xE1, 0x03, 0x18}}},
+      {"SCSIAdapter", {0x4D36E97B, 0xE325, 0x11CE, {0xBF, 0xC1, 0x08, 0x00, 0x2B, 0xE1, 0x03, 0x18}}},
+      {"System", {0x4D36E97D, 0xE325, 0x11CE, {0xBF, 0xC1, 0x08, 0x00, 0x2B, 0xE1, 0x03, 0x18}}}};
+  for (const auto& [className, guid] : classes) {
+    if (name == className) return guid;
+  }
+  return GUID{};
 }
 
 void SetProperty(HDEVINFO set, SP_DEVINFO_DATA& device, DWORD property, const std::string& value) {
@@ -205,7 +211,7 @@ void DeleteDriverService(const std::string& name) {
 void CreateDevice(const DeviceSettings& settings) {
   const DeviceSet set(SetupDiCreateDeviceInfoList(nullptr, nullptr));
   Require(static_cast<bool>(set), "making a list of devices");
-  const GUID classGuid = GuidOf(settings.classGuid);
+  const GUID classGuid = ClassGuid(settings.className);
   SP_DEVINFO_DATA device{};
   device.cbSize = sizeof(device);
   Require(SetupDiCreateDeviceInfoA(set.get(), settings.instanceId.c_str(), &classGuid, settings.description.c_str(),

@@ -58,9 +58,8 @@ struct DeviceSettings {
   std::string instanceId;
   std::string description;
   std::string manufacturer;
+  /// Setup class: "Display", "HIDClass", "Net", "SCSIAdapter" or "System"; any other for none.
   std::string className;
-  /// In braces.
-  std::string classGuid = "{4D36E97D-E325-11CE-BFC1-08002BE10318}";
   std::vector<std::string> hardwareIds;
   std::string location;
   std::string service;
