@@ -18,19 +18,21 @@ TEST(BytesFrom, CountsToTheEndOfTheBuffer) {
   const char buffer[4] = {};
   EXPECT_EQ(BytesFrom(buffer, buffer, 4), 4u);
   EXPECT_EQ(BytesFrom(buffer + 3, buffer, 4), 1u);
+  EXPECT_EQ(BytesFrom(buffer + 4, buffer, 4), 0u) << "its end still is inside";
 }
 
 TEST(BytesFrom, FindsNothingOutsideOfTheBuffer) {
   const char buffer[4] = {};
-  EXPECT_EQ(BytesFrom(buffer, buffer + 1, 2), 0u);
-  EXPECT_EQ(BytesFrom(buffer + 3, buffer + 1, 2), 0u);
-  EXPECT_EQ(BytesFrom(nullptr, buffer, 4), 0u);
+  EXPECT_EQ(BytesFrom(buffer, buffer + 1, 2), std::nullopt);
+  EXPECT_EQ(BytesFrom(buffer + 4, buffer + 1, 2), std::nullopt);
+  EXPECT_EQ(BytesFrom(nullptr, buffer, 4), std::nullopt);
 }
 
 TEST(TextWithin, EndsAtItsTerminatorOrAtTheEndOfTheBuffer) {
   const char buffer[] = {'a', 'b', '\0', 'c', 'd'};
   EXPECT_EQ(TextWithin(buffer + 1, buffer, 5), "b");
   EXPECT_EQ(TextWithin(buffer + 3, buffer, 5), "cd");
+  EXPECT_EQ(TextWithin(buffer + 5, buffer, 5), "");
 }
 
 TEST(TextWithin, ReadsATextElsewhereToItsTerminator) {

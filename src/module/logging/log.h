@@ -77,10 +77,11 @@ LOGGING_API void LogToDebugger();
 
 /// Appends such lines to the file at `path`, each at once. Before the file grows past `maxBytes` (at least 1) it is renamed to
 /// "name.1.ext", and so on; of files so renamed `maxFiles` are kept. False, with the former sink kept, when the file cannot be
-/// opened.
+/// opened. Folders of the path that do not exist are made.
 LOGGING_API bool LogToFile(const std::wstring& path, std::size_t maxBytes, std::size_t maxFiles);
 
-/// Hands lines to `function`; an empty function drops them.
+/// Hands lines to `function`; an empty function drops them. Once another sink is chosen, from outside the function, the function
+/// is not called again.
 LOGGING_API void LogToFunction(LogFunction function);
 
 }  // namespace Orvane

@@ -4,8 +4,6 @@
 #pragma once
 
 #include <windows.h>
-// After windows.h.
-#include <setupapi.h>
 
 #include <utility>
 
@@ -42,7 +40,6 @@ class UniqueHandle {
 using RegKey = UniqueHandle<HKEY, &RegCloseKey>;
 using ServiceHandle = UniqueHandle<SC_HANDLE, &CloseServiceHandle>;
 using FindHandle = UniqueHandle<HANDLE, &FindClose>;
-using InfHandle = UniqueHandle<HINF, &SetupCloseInfFile>;
 using LocalMemory = UniqueHandle<HLOCAL, &LocalFree>;
 
 /// Leaves the handle open until the process ends. Every call says why.

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <functional>
+#include <optional>
 #include <string>
 
 namespace Orvane {
@@ -15,19 +16,19 @@ inline std::string BoundedText(const char* buffer, std::size_t size) {
   return std::string(buffer, std::find(buffer, buffer + size, '\0'));
 }
 
-/// How many bytes [begin, begin + size) holds from `position` to its end; 0 for a position outside.
-inline std::size_t BytesFrom(const char* position, const char* begin, std::size_t size) {
+/// How many bytes [begin, begin + size) holds from `position` to its end, 0 at the very end; none for a position elsewhere.
+inline std::optional<std::size_t> BytesFrom(const char* position, const char* begin, std::size_t size) {
   const std::less<const char*> before;
-  return before(position, begin) || !before(position, begin + size) ? 0
-                                                                    : static_cast<std::size_t>(begin + size - position);
+  if (before(position, begin) || before(begin + size, position)) return std::nullopt;
+  return static_cast<std::size_t>(begin + size - position);
 }
 
 /// The text that the platform placed at `text` in [begin, begin + size); empty for a null pointer.
 inline std::string TextWithin(const char* text, const char* begin, std::size_t size) {
   if (text == nullptr) return std::string();
-  const std::size_t bytes = BytesFrom(text, begin, size);
+  const auto bytes = BytesFrom(text, begin, size);
   // A text elsewhere is the platform's own and has its own terminator.
-  return bytes > 0 ? BoundedText(text, bytes) : std::string(text);
+  return bytes ? BoundedText(text, *bytes) : std::string(text);
 }
 
 }  // namespace Orvane

@@ -10,6 +10,7 @@
 #include "handles.h"
 #include "logline.h"
 #include "packagefiles.h"
+#include "pciinfo.h"
 #include "platformtext.h"
 #include "uniquedrivers.h"
 
@@ -68,7 +69,7 @@ constexpr RegistryPackage AmdPshedPlugin = {"SOFTWARE\\WOW6432Node\\AMD\\AMD EPY
 bool DetectRegistryPackage(const RegistryPackage& package, std::vector<DriverData>& drivers) {
   HKEY opened = nullptr;
   if (RegOpenKeyExA(HKEY_LOCAL_MACHINE, package.key, 0, KEY_READ | KEY_WOW64_64KEY, &opened) != ERROR_SUCCESS) {
-    DRIVERINFO_LOG(1) << "Failed to open " << package.key << " in HKEY_LOCAL_MACHINE";
+    ORVANE_LOG(1) << "Failed to open " << package.key << " in HKEY_LOCAL_MACHINE";
     return false;
   }
   // The library closes no registry key: a listing that found something is cached, so a process opens each key once or twice.
@@ -81,8 +82,8 @@ bool DetectRegistryPackage(const RegistryPackage& package, std::vector<DriverDat
       RegQueryValueExA(opened, package.value, nullptr, &type, reinterpret_cast<BYTE*>(value.data()), &size);
   if (status != ERROR_SUCCESS) {
     if (package.logsQueryFailure) {
-      DRIVERINFO_LOG(1) << "Failed to query " << package.key
-                        << " in HKEY_LOCAL_MACHINE, retStatus = " << std::to_string(status);
+      ORVANE_LOG(1) << "Failed to query " << package.key
+                    << " in HKEY_LOCAL_MACHINE, retStatus = " << std::to_string(status);
     }
     return false;
   }
@@ -92,7 +93,7 @@ bool DetectRegistryPackage(const RegistryPackage& package, std::vector<DriverDat
   driver.provider = package.provider;
   driver.file_version = BoundedText(value.data(), value.size());
   drivers.push_back(std::move(driver));
-  if (package.successLine != nullptr) DRIVERINFO_LOG(4) << package.successLine;
+  if (package.successLine != nullptr) ORVANE_LOG(4) << package.successLine;
   return true;
 }
 
@@ -101,7 +102,7 @@ void AppendPackageRecords(const PciDeviceRecord& device, std::vector<DriverData>
   std::vector<DriverData> records;
   PackageFiles::ReadInfPackage(device.inf_name, records);
   for (DriverData& record : records) {
-    DRIVERINFO_LOG(3) << record.name << "|" << record.file_version << "|" << record.product_version;
+    ORVANE_LOG(3) << record.name << "|" << record.file_version << "|" << record.product_version;
     drivers.push_back(record);
     const std::string base = DeviceDiscovery::DriverBaseName(record.name);
     if (base.empty()) continue;
@@ -111,7 +112,7 @@ void AppendPackageRecords(const PciDeviceRecord& device, std::vector<DriverData>
 }
 
 void AppendNoDriverRecord(const PciDeviceRecord& device, std::vector<DriverData>& drivers) {
-  DRIVERINFO_LOG(3) << "Driver name is empty, this device isn't installed a driver.";
+  ORVANE_LOG(3) << "Driver name is empty, this device isn't installed a driver.";
   DriverData driver;
   driver.file_version = "N/A";
   driver.provider = device.provider;
@@ -124,10 +125,10 @@ void AppendNoDriverRecord(const PciDeviceRecord& device, std::vector<DriverData>
 
 int DeviceDiscovery::ListDeviceDrivers(std::vector<DriverData>& drivers) {
   static std::vector<DriverData> cache;
-  DRIVERINFO_LOG(4) << "Start list exist device driver files.";
+  ORVANE_LOG(4) << "Start list exist device driver files.";
   if (!cache.empty()) {
-    DRIVERINFO_LOG(4) << "Get data from cache.";
-    if (&drivers != &cache) drivers = cache;
+    ORVANE_LOG(4) << "Get data from cache.";
+    drivers = cache;
     return 0;
   }
   std::vector<PciDeviceRecord> devices;
@@ -135,14 +136,14 @@ int DeviceDiscovery::ListDeviceDrivers(std::vector<DriverData>& drivers) {
   ResolveDeviceDrivers(devices, drivers);
   for (DriverData& driver : drivers) driver.found_by_device = 1;
   SortAndRemoveDuplicates(drivers);
-  if (&drivers != &cache) cache = drivers;
+  cache = drivers;
   return 0;
 }
 
 void DeviceDiscovery::ResolveDeviceDrivers(const std::vector<PciDeviceRecord>& devices,
                                            std::vector<DriverData>& drivers) {
   for (const PciDeviceRecord& device : devices) {
-    DRIVERINFO_LOG(3) << DeviceIdentity(device) << "|" << device.inf_name;
+    ORVANE_LOG(3) << DeviceIdentity(device) << "|" << device.inf_name;
     if (device.inf_name.empty()) {
       AppendNoDriverRecord(device, drivers);
     } else {
@@ -184,7 +185,7 @@ void ApplyAmdComponentIdentities(std::vector<DriverData>& drivers) {
     const auto driver =
         std::find_if(drivers.begin(), drivers.end(), [name = name](const DriverData& d) { return d.name == name; });
     if (driver == drivers.end()) continue;
-    DRIVERINFO_LOG(3) << "find " << name;
+    ORVANE_LOG(3) << "find " << name;
     driver->name = identity;
     driver->file_version = "N/A";
   }

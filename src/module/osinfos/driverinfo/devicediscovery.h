@@ -7,9 +7,10 @@
 #include <vector>
 
 #include "driverinfo.h"
-#include "pciinfo.h"
 
 namespace Orvane {
+
+struct PciDeviceRecord;
 
 /// The device listing.
 struct DeviceDiscovery {

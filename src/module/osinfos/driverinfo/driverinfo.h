@@ -19,7 +19,8 @@
 ///
 /// **Failures.** A source, service, device or file that cannot be read is written to the log and left out; no listing
 /// reports it otherwise. The only exceptions that reach the caller are those of the standard library when memory runs
-/// out; records appended until then stay in the vector.
+/// out; records appended until then stay in the vector, and those of services in their cache: a listing of services that ended
+/// so is what later calls in the process answer.
 ///
 /// **Log.** Lines go to the logging module (log.h), by level: 1 registry keys of chipset packages that cannot be opened or
 /// read; 2 services that cannot be opened or queried; 3 devices and dropped duplicates; 4 progress, counts, single files.
@@ -81,7 +82,8 @@ struct DRIVERINFO_API DriverData {
   std::string start_type;
 
   /// Creation time of the image file in the machine's time zone, "MM/DD/YYYY HH:MM:SS"; at exactly midnight the date and
-  /// one blank. Empty for a time before 1970. Services only.
+  /// one blank. Empty for a time that the run-time library cannot hold: before 1970, in the far future, and far east of
+  /// Greenwich also some hours behind the beginning of 1970. Services only.
   std::string date;
 
   /// Size of the image file in KiB, rounded down, in decimal. Services only.

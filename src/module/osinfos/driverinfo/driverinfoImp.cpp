@@ -38,7 +38,7 @@ void EraseShadowed(const std::vector<DriverData>& devices, std::vector<DriverDat
   for (const Shadowed& shadowed : FindShadowed(devices, drivers)) {
     const DriverData& driver = drivers[shadowed.driver];
     // The size stands where the line says version; readers of the log know it so.
-    DRIVERINFO_LOG(3) << driver.name << "; version=" << driver.size << " already found by device.";
+    ORVANE_LOG(3) << driver.name << "; version=" << driver.size << " already found by device.";
     isShadowed[shadowed.driver] = true;
   }
   std::size_t kept = 0;

@@ -1,5 +1,6 @@
 #include "packagefiles.h"
 
+#include <setupapi.h>
 #include <sys/timeb.h>
 
 #include <algorithm>
@@ -7,9 +8,12 @@
 #include <boost/algorithm/string/predicate.hpp>
 #include <boost/filesystem/operations.hpp>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <ctime>
 #include <map>
+#include <memory>
+#include <new>
 #include <optional>
 #include <utility>
 
@@ -22,6 +26,8 @@ namespace {
 
 using boost::algorithm::iends_with;
 using boost::algorithm::istarts_with;
+
+using InfHandle = UniqueHandle<HINF, &SetupCloseInfFile>;
 
 /// Where an INF lists its files, and where it describes the disks that they are on. All are read on every machine: a package
 /// for several processors is listed whole. Ordered by name as bytes.
@@ -90,11 +96,11 @@ bool AppendListedFiles(InfReader& inf, const DriverData& package, std::vector<Dr
       if (!name) return;
       const bool isSysFile = iends_with(*name, ".sys");
       if (isSysFile) {
-        DRIVERINFO_LOG(4) << "exist sys file: " << *name;
+        ORVANE_LOG(4) << "exist sys file: " << *name;
         hasSysFile = true;
       }
       if (!isSysFile && !iends_with(*name, ".inf")) return;
-      DRIVERINFO_LOG(4) << "Get driver file: " << *name;
+      ORVANE_LOG(4) << "Get driver file: " << *name;
       DriverData driver = package;
       driver.name = *name;
       const auto disk = inf.Field(line, 1);
@@ -115,33 +121,39 @@ struct Translation {
 /// listed for them rest on that.
 std::optional<Translation> lastTranslation;
 
-/// The version resource of one image. Its content comes from the file and is trusted in nothing: what is read lies inside.
+/// The version resource of one image. Its content comes from the file and is trusted in nothing: what is read lies inside the
+/// buffer.
 class VersionResource {
  public:
   /// Empty when the image cannot be read or has no version resource.
   explicit VersionResource(const std::string& path) {
     DWORD handle = 0;
     const DWORD size = GetFileVersionInfoSizeA(path.c_str(), &handle);
-    // A resource holds its length in 16 bits, and the platform asks for a few times that; anything larger is a damaged file.
-    constexpr DWORD largest = 1 << 20;
+    // No image has room for more; a larger one is damaged.
+    constexpr DWORD largest = 64 << 20;
     if (size == 0 || size > largest) return;
-    m_bytes.resize(size);
-    GetFileVersionInfoA(path.c_str(), handle, size, m_bytes.data());
+    // Zeros behind the resource: the lengths in it are 16-bit numbers of the file, by which the platform finds its way and places
+    // the narrow copies of texts. With this room, a damaged resource leads nowhere else.
+    constexpr std::size_t room = 1 << 19;
+    m_bytes.reset(static_cast<char*>(std::calloc(size + room, 1)));
+    if (!m_bytes) throw std::bad_alloc();
+    m_size = size + room;
+    GetFileVersionInfoA(path.c_str(), handle, size, m_bytes.get());
   }
 
-  bool empty() const { return m_bytes.empty(); }
+  bool empty() const { return m_size == 0; }
 
   /// The file's own translation. Neither the result nor the length of the query counts, only what it points to.
   std::optional<Translation> FirstTranslation() const {
     void* entry = nullptr;
     UINT length = 0;
-    VerQueryValueA(m_bytes.data(), "\\VarFileInfo\\Translation", &entry, &length);
+    VerQueryValueA(m_bytes.get(), "\\VarFileInfo\\Translation", &entry, &length);
     Translation translation{};
     if (entry == nullptr || !Copy(entry, translation)) return std::nullopt;
     return translation;
   }
 
-  /// The fixed block, zeros where the resource ends inside it; none when the query gives no length.
+  /// The fixed block, zeros where the buffer ends inside it; none when the query gives no length.
   std::optional<VS_FIXEDFILEINFO> FixedBlock() const {
     const void* const block = Query("\\");
     if (block == nullptr) return std::nullopt;
@@ -153,29 +165,34 @@ class VersionResource {
   /// The text `key` of the string table of `translation`; empty when there is none.
   std::string Text(const Translation& translation, const char* key) const {
     char path[64];
-    std::snprintf(path, sizeof(path), "\\StringFileInfo\\%04x%04x\\%s", translation.language, translation.codePage,
-                  key);
-    return TextWithin(static_cast<const char*>(Query(path)), m_bytes.data(), m_bytes.size());
+    std::snprintf(path, sizeof(path), "\\StringFileInfo\\%04x%04x\\%s", translation.language, translation.codePage, key);
+    return TextWithin(static_cast<const char*>(Query(path)), m_bytes.get(), m_size);
   }
 
  private:
+  struct Free {
+    void operator()(char* bytes) const { std::free(bytes); }
+  };
+
   /// What `path` names; null when the query fails or gives no length.
   const void* Query(const char* path) const {
     void* value = nullptr;
     UINT length = 0;
-    return VerQueryValueA(m_bytes.data(), path, &value, &length) && length > 0 ? value : nullptr;
+    return VerQueryValueA(m_bytes.get(), path, &value, &length) && length > 0 ? value : nullptr;
   }
 
-  /// Copies what stands at `source`, up to the end of the resource. True when all of `target` was there.
+  /// Copies what stands at `source`, up to the end of the buffer. True when all of `target` was there.
   template <typename T>
   bool Copy(const void* source, T& target) const {
-    const std::size_t inside = BytesFrom(static_cast<const char*>(source), m_bytes.data(), m_bytes.size());
-    const std::size_t bytes = inside > 0 ? std::min(inside, sizeof(T)) : sizeof(T);
+    const auto inside = BytesFrom(static_cast<const char*>(source), m_bytes.get(), m_size);
+    const std::size_t bytes = std::min(inside.value_or(sizeof(T)), sizeof(T));
     std::memcpy(&target, source, bytes);
     return bytes == sizeof(T);
   }
 
-  std::vector<char> m_bytes;
+  // Allocated, not constructed: most of the room is never touched.
+  std::unique_ptr<char, Free> m_bytes;
+  std::size_t m_size = 0;
 };
 
 std::string VersionText(DWORD high, DWORD low) {
@@ -209,18 +226,18 @@ short MinutesEastOfUtc(__time64_t time) {
 }  // namespace
 
 void PackageFiles::ReadInfPackage(const std::string& infPath, std::vector<DriverData>& drivers) {
-  DRIVERINFO_LOG(4) << "Start to parse " << infPath;
+  ORVANE_LOG(4) << "Start to parse " << infPath;
   InfReader inf(infPath);
   // The handle of a failed open is not passed on: not every Setup API survives it.
   const auto version = inf ? inf.VersionField("DriverVer", 2) : std::nullopt;
   if (!version) {
-    DRIVERINFO_LOG(4) << "Get driver version failed";
+    ORVANE_LOG(4) << "Get driver version failed";
     return;
   }
-  DRIVERINFO_LOG(4) << "Get driver version: " << *version;
+  ORVANE_LOG(4) << "Get driver version: " << *version;
   const auto provider = inf.VersionField("Provider", 1);
   if (!provider) {
-    DRIVERINFO_LOG(4) << "Get driver Provider failed";
+    ORVANE_LOG(4) << "Get driver Provider failed";
     return;
   }
   DriverData package;
@@ -228,16 +245,16 @@ void PackageFiles::ReadInfPackage(const std::string& infPath, std::vector<Driver
   package.provider = *provider;
   if (AppendListedFiles(inf, package, drivers)) return;
   if (!GetInfOriginalName(infPath, package.name)) return;
-  DRIVERINFO_LOG(4) << "add origin inf file:" << package.name;
+  ORVANE_LOG(4) << "add origin inf file:" << package.name;
   package.description = *provider;
   drivers.push_back(std::move(package));
 }
 
 void PackageFiles::ScanOemInfCatalogue(std::vector<DriverData>& drivers) {
   static std::vector<DriverData> cache;
-  DRIVERINFO_LOG(4) << "Start to list driver files from OemInf.";
+  ORVANE_LOG(4) << "Start to list driver files from OemInf.";
   if (!cache.empty()) {
-    DRIVERINFO_LOG(4) << "Get data from cache.";
+    ORVANE_LOG(4) << "Get data from cache.";
     drivers.insert(drivers.end(), cache.begin(), cache.end());
     return;
   }
@@ -298,7 +315,7 @@ bool GetInfOriginalName(const std::string& infPath, std::string& originalName) {
 }
 
 void PackageFiles::GetDriveInfoFromSysFile(std::string sysFilePath, SysFileInfo& info) {
-  DRIVERINFO_LOG(4) << "Enter DriverInfoImp::GetDriveInfoFromSysFile()";
+  ORVANE_LOG(4) << "Enter DriverInfoImp::GetDriveInfoFromSysFile()";
   SysFileInfo read;
   const VersionResource resource(sysFilePath);
   if (!resource.empty()) {
@@ -315,7 +332,7 @@ void PackageFiles::GetDriveInfoFromSysFile(std::string sysFilePath, SysFileInfo&
     }
   }
   info = std::move(read);
-  DRIVERINFO_LOG(4) << "Exiting DriverInfoImp::GetDriveInfoFromSysFile()";
+  ORVANE_LOG(4) << "Exiting DriverInfoImp::GetDriveInfoFromSysFile()";
 }
 
 void PackageFiles::SplitAtSemicolon(const std::string& text, std::string& before, std::string& after) {
@@ -338,14 +355,14 @@ std::string PackageFiles::FileTimeToText(const FILETIME& fileTime) {
   std::tm asLocal = BrokenDownTime(local, 0);
   const __time64_t time = _mktime64(&asLocal);
   if (time == -1) {
-    DRIVERINFO_LOG(4) << "Invalid datetime encountered...";
+    ORVANE_LOG(4) << "Invalid datetime encountered...";
     return std::string();
   }
   // On the first day of the epoch the instant in UTC may lie before it; that day is valid all the same.
   const bool firstDay = local.wYear == 1970 && local.wMonth == 1 && local.wDay == 1;
   std::tm asUtc = BrokenDownTime(local, MinutesEastOfUtc(time));
   if (!firstDay && _mktime64(&asUtc) == -1) {
-    DRIVERINFO_LOG(4) << "Invalid Data time...";
+    ORVANE_LOG(4) << "Invalid Data time...";
     return std::string();
   }
   return FormatLocalTime(local);

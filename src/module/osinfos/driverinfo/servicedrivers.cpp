@@ -77,8 +77,8 @@ std::vector<DriverService> Entries(const std::vector<char>& buffer, DWORD count)
     if (name == nullptr) break;
     services.push_back({TextWithin(name, buffer.data(), buffer.size()), entries[i].ServiceStatus.dwCurrentState});
     for (const char* const text : {name, static_cast<const char*>(entries[i].lpDisplayName)}) {
-      const std::size_t bytes = BytesFrom(text, buffer.data(), buffer.size());
-      if (bytes > 0) end = std::min(end, buffer.size() - bytes);
+      const auto bytes = BytesFrom(text, buffer.data(), buffer.size());
+      if (bytes) end = std::min(end, buffer.size() - *bytes);
     }
   }
   return services;
@@ -116,7 +116,7 @@ bool QueryConfig(SC_HANDLE service, ServiceConfig& config) {
   DWORD needed = 0;
   if (!QueryServiceConfigA(service, queried, static_cast<DWORD>(buffer.size()), &needed)) {
     const std::string error = GetLastErrorText();
-    DRIVERINFO_LOG(2) << error;
+    ORVANE_LOG(2) << error;
     return false;
   }
   config.startType = queried->dwStartType;
@@ -181,7 +181,7 @@ void AppendDriver(SC_HANDLE manager, const DriverService& service, std::vector<D
   const ServiceHandle opened(OpenServiceA(manager, service.name.c_str(), SERVICE_QUERY_CONFIG));
   if (!opened) {
     const std::string error = GetLastErrorText();
-    DRIVERINFO_LOG(2) << error;
+    ORVANE_LOG(2) << error;
     return;
   }
   ServiceConfig config;
@@ -197,7 +197,7 @@ void AppendDriver(SC_HANDLE manager, const DriverService& service, std::vector<D
     found.reset(FindDriverFile(path, &file));
   }
   if (!found) {
-    DRIVERINFO_LOG(4) << "can not find bpname= " << path;
+    ORVANE_LOG(4) << "can not find bpname= " << path;
     return;
   }
 
@@ -214,7 +214,7 @@ void AppendDriver(SC_HANDLE manager, const DriverService& service, std::vector<D
   driver.state = ServiceStateName(service.state);
   driver.start_type = ServiceStartTypeName(config.startType);
   driver.product_version = std::move(versions.product_version);
-  DRIVERINFO_LOG(4) << "DRIVERINFO.name=" << driver.name << " DRIVERINFO.file_version=" << driver.file_version;
+  ORVANE_LOG(4) << "DRIVERINFO.name=" << driver.name << " DRIVERINFO.file_version=" << driver.file_version;
   drivers.push_back(driver);
   cache.push_back(std::move(driver));
 }
@@ -242,9 +242,9 @@ FindHandle FindCandidate(const std::string& candidate, WIN32_FIND_DATAA* findDat
 
 int ServiceDrivers::ListRegisteredDrivers(std::vector<DriverData>& drivers) {
   static std::vector<DriverData> cache;
-  DRIVERINFO_LOG(4) << "Start to list registered driver files.";
+  ORVANE_LOG(4) << "Start to list registered driver files.";
   if (!cache.empty()) {
-    DRIVERINFO_LOG(4) << "Get data from cache.";
+    ORVANE_LOG(4) << "Get data from cache.";
     drivers.insert(drivers.end(), cache.begin(), cache.end());
     return 0;
   }
@@ -286,7 +286,7 @@ HANDLE FindDriverFile(std::string& path, WIN32_FIND_DATAA* findData) {
     found = FindCandidate(candidate, findData);
   }
   if (!found) {
-    systemDirectory.fill('\0');
+    // When the Windows directory is not told, the system directory is still there.
     GetWindowsDirectoryA(systemDirectory.data(), MAX_PATH);
     candidate = BoundedText(systemDirectory.data(), systemDirectory.size()) + "\\" + path;
     found = FindCandidate(candidate, findData);

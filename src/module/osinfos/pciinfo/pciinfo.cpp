@@ -10,10 +10,8 @@
 
 #include "deviceidentity.h"
 #include "handles.h"
-#include "log.h"
+#include "logline.h"
 #include "platformtext.h"
-
-#define PCIINFO_LOG(level) ::Orvane::Log((level), __FILE__, __LINE__).Stream()
 
 namespace Orvane {
 namespace {
@@ -139,7 +137,7 @@ void GetPciInfo(std::vector<Orvane::PciDeviceRecord>& devices) {
   const DeviceSet set(SetupDiGetClassDevsA(nullptr, nullptr, nullptr, DIGCF_PRESENT | DIGCF_ALLCLASSES));
   if (!set) {
     const DWORD error = GetLastError();
-    PCIINFO_LOG(2) << "The devices cannot be listed, error " << std::to_string(error);
+    ORVANE_LOG(2) << "The devices cannot be listed, error " << std::to_string(error);
     return;
   }
   const std::string infDirectory = InfDirectory();
@@ -150,7 +148,7 @@ void GetPciInfo(std::vector<Orvane::PciDeviceRecord>& devices) {
     const std::string instanceId = device.InstanceId();
     if (instanceId.empty()) {
       const DWORD error = GetLastError();
-      PCIINFO_LOG(2) << "A device cannot be read, error " << std::to_string(error);
+      ORVANE_LOG(2) << "A device cannot be read, error " << std::to_string(error);
       continue;
     }
     if (!HasEnumerator(instanceId, "PCI") && !HasEnumerator(instanceId, "ACPI")) continue;
