@@ -2,6 +2,7 @@
 #include <time.h>
 
 #include "importhook.h"
+#include "locales.h"
 #include "logcapture.h"
 #include "packagefiles.h"
 #include "scratchmachine.h"
@@ -158,14 +159,8 @@ TEST(LocalTime, IsFormattedWithLeadingZeros) {
 }
 
 TEST(LocalTime, DoesNotDependOnTheGlobalLocale) {
-  class Grouping : public std::numpunct<char> {
-   protected:
-    char do_thousands_sep() const override { return '.'; }
-    std::string do_grouping() const override { return "\1"; }
-  };
-  const std::locale former = std::locale::global(std::locale(std::locale::classic(), new Grouping));
+  const test::HostLocale<test::GroupedDigits> locale;
   EXPECT_EQ(PackageFiles::FormatLocalTime(SYSTEMTIME{2006, 6, 3, 21, 13, 5, 9, 0}), "06/21/2006 13:05:09");
-  std::locale::global(former);
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include "devicediscovery.h"
 #include "logcapture.h"
+#include "pciinfo.h"
 #include "records.h"
 
 using namespace Orvane;

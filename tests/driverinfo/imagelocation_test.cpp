@@ -1,8 +1,7 @@
 #include <gmock/gmock.h>
 
-#include <locale>
-
 #include "importhook.h"
+#include "locales.h"
 #include "redirection.h"
 #include "scratchmachine.h"
 #include "servicedrivers.h"
@@ -53,18 +52,9 @@ TEST(ImageFileName, OfAnEmptyPathIsTheServicesOwn) {
 }
 
 TEST(ImageFileName, IsLoweredWithTheGlobalLocale) {
-  class Ctype : public std::ctype<char> {
-   protected:
-    char do_tolower(char c) const override { return c == 'Q' ? 'x' : std::ctype<char>::do_tolower(c); }
-    const char* do_tolower(char* low, const char* high) const override {
-      for (; low != high; ++low) *low = do_tolower(*low);
-      return high;
-    }
-  };
   EXPECT_EQ(GetImageFileName("\\Drivers\\QA\xC4.sys", "x"), "qa\xC4.sys") << "the classic locale changes A to Z only";
-  const std::locale former = std::locale::global(std::locale(std::locale::classic(), new Ctype));
+  const test::HostLocale<test::OddLetters> locale;
   EXPECT_EQ(GetImageFileName("\\Drivers\\QA.sys", "x"), "xa.sys");
-  std::locale::global(former);
 }
 
 /// The paths under which FindDriverFile looks for `path` when there is no such file; in them "S:" stands for the system
@@ -135,7 +125,7 @@ TEST(ImageLocation, OfAnEmptyPathEndsInASeparator) {
 
 TEST(ImageLocation, BoundsTheDirectoriesByTheirBuffers) {
   const auto fill = [](char* buffer, UINT size) -> UINT {
-    EXPECT_EQ(size, MAX_PATH);
+    EXPECT_EQ(size, UINT{MAX_PATH});
     std::fill(buffer, buffer + size, 'd');
     return size + 100;
   };
@@ -165,6 +155,33 @@ TEST(ImageLocation, GoesOnWithoutDirectoriesThatTheSystemDoesNotTell) {
   WIN32_FIND_DATAA data;
   FindDriverFile(path, &data);
   EXPECT_THAT(candidates, ElementsAre("\\drivers\\x.sys", "\\x.sys", "\\x.sys"));
+}
+
+TEST(ImageLocation, AsksForTheWindowsDirectoryOnceMoreAndKeepsTheSystemDirectoryWithoutAnswer) {
+  std::vector<std::string> candidates;
+  HOOK(find, ThisProgram(), FindFirstFileA, [&](const char* candidate, WIN32_FIND_DATAA*) {
+    candidates.emplace_back(candidate);
+    return INVALID_HANDLE_VALUE;
+  });
+  HOOK(system, ThisProgram(), GetSystemDirectoryA, [](char* buffer, UINT) -> UINT {
+    lstrcpyA(buffer, "S:");
+    return 2;
+  });
+  int calls = 0;
+  bool answers = true;
+  HOOK(windows, ThisProgram(), GetWindowsDirectoryA, [&](char* buffer, UINT) -> UINT {
+    ++calls;
+    if (answers) lstrcpyA(buffer, ("W" + std::to_string(calls) + ":").c_str());
+    return answers ? 3 : 0;
+  });
+  std::string path = "x.sys";
+  WIN32_FIND_DATAA data;
+  FindDriverFile(path, &data);
+  EXPECT_EQ(candidates.at(2), "W2:\\x.sys");
+  answers = false;
+  candidates.clear();
+  FindDriverFile(path, &data);
+  EXPECT_EQ(candidates.at(2), "S:\\x.sys");
 }
 
 const std::string LookUpDisable = "look up Wow64DisableWow64FsRedirection";

@@ -4,10 +4,10 @@
 #include <setupapi.h>
 
 #include <cstring>
-#include <locale>
 #include <memory>
 
 #include "importhook.h"
+#include "locales.h"
 #include "logcapture.h"
 #include "packagefiles.h"
 #include "records.h"
@@ -424,20 +424,10 @@ TEST_F(InfPackage, NeedsEveryStepOfVersionAndProvider) {
 }
 
 TEST_F(InfPackage, TestsExtensionsWithTheGlobalLocale) {
-  // A host's locale in which "S" is the upper case of "Q".
-  class Ctype : public std::ctype<char> {
-   protected:
-    char do_toupper(char c) const override { return c == 'Q' ? 'S' : std::ctype<char>::do_toupper(c); }
-    const char* do_toupper(char* low, const char* high) const override {
-      for (; low != high; ++low) *low = do_toupper(*low);
-      return high;
-    }
-  };
   const Lines lines = Version + Strings + Disks + Lines{"[SourceDisksFiles]", "net.Qys=1", "net.sys=1"};
   EXPECT_EQ(Read(lines).size(), 1u);
-  const std::locale former = std::locale::global(std::locale(std::locale::classic(), new Ctype));
+  const test::HostLocale<test::OddLetters> locale;
   EXPECT_EQ(Read(lines).size(), 2u);
-  std::locale::global(former);
 }
 
 }  // namespace

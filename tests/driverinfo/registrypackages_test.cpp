@@ -2,6 +2,7 @@
 
 #include "devicediscovery.h"
 #include "importhook.h"
+#include "locales.h"
 #include "logcapture.h"
 #include "records.h"
 #include "scratchmachine.h"
@@ -145,17 +146,11 @@ TEST_F(RegistryPackages, AreReadIn64BitViewAndTheirKeysStayOpen) {
 }
 
 TEST_F(RegistryPackages, LogTheirStatusWithoutGroupingDigits) {
-  class Grouping : public std::numpunct<char> {
-   protected:
-    char do_thousands_sep() const override { return '.'; }
-    std::string do_grouping() const override { return "\1"; }
-  };
   const RegistryKey amd(AmdKey);
   HOOK(query, ThisProgram(), RegQueryValueExA,
        [](HKEY, const char*, DWORD*, DWORD*, BYTE*, DWORD*) -> LSTATUS { return -12345; });
-  const std::locale former = std::locale::global(std::locale(std::locale::classic(), new Grouping));
+  const test::HostLocale<test::GroupedDigits> locale;
   DetectAmdChipset(drivers);
-  std::locale::global(former);
   EXPECT_THAT(log.Take(), ElementsAre(LogLine{1,
                                               "Failed to query SOFTWARE\\WOW6432Node\\AMD\\AMD_Chipset_Drivers\\ in "
                                               "HKEY_LOCAL_MACHINE, retStatus = -12345"}));

@@ -2,10 +2,10 @@
 
 #include <algorithm>
 #include <cstring>
-#include <locale>
 
 #include "driverinfo.h"
 #include "importhook.h"
+#include "locales.h"
 #include "logcapture.h"
 #include "records.h"
 #include "redirection.h"
@@ -74,7 +74,7 @@ class ServiceListing : public test::ScratchMachine {
 };
 
 TEST_F(ServiceListing, TellsEverythingAboutADriver) {
-  const ScratchFile image(DriverPath("OiBus.sys"), "images\\full.sys");
+  const ScratchFile image(DriverPath("OiBus.sys"), L"images\\full.sys");
   const DriverService service("OiBus", "\\SystemRoot\\System32\\drivers\\OiBus.sys", SERVICE_SYSTEM_START);
   WIN32_FIND_DATAA file;
   FindClose(FindFirstFileA(DriverPath("OiBus.sys").c_str(), &file));
@@ -297,37 +297,22 @@ TEST_F(ServiceListing, HasNoDateForATimeBeforeTheEpoch) {
 }
 
 TEST_F(ServiceListing, WritesNumbersWithoutGroupingDigits) {
-  class Grouping : public std::numpunct<char> {
-   protected:
-    char do_thousands_sep() const override { return '.'; }
-    std::string do_grouping() const override { return "\1"; }
-  };
   const ScratchFile image(DriverPath("Oi.sys"), 5'000'000);
-  const ScratchFile full(DriverPath("OiFull.sys"), "images\\full.sys");
+  const ScratchFile full(DriverPath("OiFull.sys"), L"images\\full.sys");
   const DriverService service("Oi", "Oi.sys");
   const DriverService serviceFull("OiFull", "OiFull.sys");
-  const std::locale former = std::locale::global(std::locale(std::locale::classic(), new Grouping));
+  const test::HostLocale<test::GroupedDigits> locale;
   std::vector<DriverData> drivers;
   info.list_drivers(drivers, Orvane::Registered);
-  std::locale::global(former);
   EXPECT_EQ(drivers.at(0).size, "4882");
   EXPECT_EQ(drivers.at(1).file_version, "6.2.9200.16384");
   EXPECT_EQ(drivers.at(1).date, "06/21/2006 13:05:09");
 }
 
 TEST_F(ServiceListing, LowersImageNamesWithTheGlobalLocale) {
-  class Ctype : public std::ctype<char> {
-   protected:
-    char do_tolower(char c) const override { return c == 'Q' ? 'x' : std::ctype<char>::do_tolower(c); }
-    const char* do_tolower(char* low, const char* high) const override {
-      for (; low != high; ++low) *low = do_tolower(*low);
-      return high;
-    }
-  };
   const DriverService service("OiService", "OiQ.sys");
-  const std::locale former = std::locale::global(std::locale(std::locale::classic(), new Ctype));
+  const test::HostLocale<test::OddLetters> locale;
   List();
-  std::locale::global(former);
   EXPECT_EQ(log.Take().at(1), NotFound("\\SystemRoot\\system32\\drivers\\oix.sys"));
 }
 
@@ -350,7 +335,7 @@ TEST_F(ServiceListing, EndsWithTheChipsetPackages) {
 TEST_F(ServiceListing, AnswersFromItsCacheWithoutTheChipsetPackages) {
   const RegistryValue intel("SOFTWARE\\Intel\\InfInst", "Version", REG_SZ, "10.1");
   const ScratchFile a(DriverPath("OiA.sys"), 1);
-  const ScratchFile b(DriverPath("OiB.sys"), "images\\full.sys");
+  const ScratchFile b(DriverPath("OiB.sys"), L"images\\full.sys");
   std::vector<std::string> first;
   {
     const DriverService serviceB("OiB", "OiB.sys");
@@ -591,13 +576,13 @@ struct OtherImage {
   });
 };
 
-std::string Image(const std::string& name) { return test::ProgramDirectory() + "\\images\\" + name; }
+std::string Image(const std::wstring& name) { return test::ProgramFile(L"images\\" + name); }
 
 TEST_F(ServiceListing, TakesWhatIsMissingFromASecondReadingWithoutRedirection) {
   const ScratchFile image(DriverPath("Oi.sys"), 2048);
   const DriverService service("Oi", "Oi.sys");
   test::Redirection redirection(Library(), TRUE);
-  const OtherImage other(redirection, Image("full.sys"));
+  const OtherImage other(redirection, Image(L"full.sys"));
   EXPECT_THAT(List(), ElementsAre("name=Oi.sys; description=Example bus driver; provider=Example Systems; path=" +
                                   DriverPath("Oi.sys") +
                                   "; file_version=6.2.9200.16384; state=Stopped; start_type=Manual; "
@@ -609,10 +594,10 @@ TEST_F(ServiceListing, TakesWhatIsMissingFromASecondReadingWithoutRedirection) {
 }
 
 TEST_F(ServiceListing, KeepsWhatTheFirstReadingFound) {
-  const ScratchFile image(DriverPath("Oi.sys"), "images\\nocompany.sys");
+  const ScratchFile image(DriverPath("Oi.sys"), L"images\\nocompany.sys");
   const DriverService service("Oi", "Oi.sys");
   test::Redirection redirection(Library(), TRUE);
-  const OtherImage other(redirection, Image("full.sys"));
+  const OtherImage other(redirection, Image(L"full.sys"));
   std::vector<DriverData> drivers;
   info.list_drivers(drivers, Orvane::Registered);
   const DriverData& driver = drivers.at(0);
@@ -623,7 +608,7 @@ TEST_F(ServiceListing, KeepsWhatTheFirstReadingFound) {
 }
 
 TEST_F(ServiceListing, ReadsNoSecondTimeWhenNothingIsMissing) {
-  const ScratchFile image(DriverPath("Oi.sys"), "images\\full.sys");
+  const ScratchFile image(DriverPath("Oi.sys"), L"images\\full.sys");
   const DriverService service("Oi", "Oi.sys");
   test::Redirection redirection(Library(), TRUE);
   List();
@@ -631,7 +616,7 @@ TEST_F(ServiceListing, ReadsNoSecondTimeWhenNothingIsMissing) {
 }
 
 TEST_F(ServiceListing, ReadsNoSecondTimeUnlessRedirectionIsOffForCertain) {
-  const ScratchFile image(DriverPath("Oi.sys"), "images\\nocompany.sys");
+  const ScratchFile image(DriverPath("Oi.sys"), L"images\\nocompany.sys");
   const DriverService service("Oi", "Oi.sys");
   test::Redirection redirection(Library(), 2);
   List();
@@ -643,7 +628,7 @@ TEST_F(ServiceListing, ReadsNoSecondTimeUnlessRedirectionIsOffForCertain) {
 // --- What the library asks of Windows, in which order.
 
 TEST_F(ServiceListing, AsksInOrderAndClosesEverythingButTheRegistryKeys) {
-  const ScratchFile image(DriverPath("Oi.sys"), "images\\full.sys");
+  const ScratchFile image(DriverPath("Oi.sys"), L"images\\full.sys");
   const DriverService service("Oi", "Oi.sys");
   const RegistryKey amd("SOFTWARE\\WOW6432Node\\AMD\\AMD_Chipset_Drivers");
   std::vector<std::string> calls;

@@ -3,19 +3,26 @@
 #include <cstring>
 
 #include "importhook.h"
+#include "locales.h"
 #include "logcapture.h"
 #include "packagefiles.h"
 #include "scratchmachine.h"
 
 using namespace Orvane;
 using test::LogLine;
+using test::ScratchFile;
 using testing::ElementsAre;
 
 namespace {
 
 HMODULE ThisProgram() { return GetModuleHandleA(nullptr); }
 
-std::string Image(const std::string& name) { return test::ProgramDirectory() + "\\images\\" + name; }
+std::string Image(const std::wstring& name) { return test::ProgramFile(L"images\\" + name); }
+
+std::string TemporaryPath(const std::string& file) {
+  char folder[MAX_PATH];
+  return std::string(folder, GetTempPathA(MAX_PATH, folder)) + std::to_string(GetCurrentProcessId()) + file;
+}
 
 /// The four texts of an image, read into a record that held others.
 std::vector<std::string> Read(const std::string& path) {
@@ -25,47 +32,47 @@ std::vector<std::string> Read(const std::string& path) {
 }
 
 TEST(VersionResource, GivesItsFourTexts) {
-  EXPECT_THAT(Read(Image("full.sys")),
+  EXPECT_THAT(Read(Image(L"full.sys")),
               ElementsAre("Example bus driver", "Example Systems", "6.2.9200.16384", "10.0.1.2"));
 }
 
 TEST(VersionResource, LogsItsBeginningAndItsEnd) {
   test::LogCapture log;
-  Read(Image("full.sys"));
-  Read(Image("no such file.sys"));
+  Read(Image(L"full.sys"));
+  Read("C:\\no such file.sys");
   const LogLine enter{4, "Enter DriverInfoImp::GetDriveInfoFromSysFile()"};
   const LogLine exit{4, "Exiting DriverInfoImp::GetDriveInfoFromSysFile()"};
   EXPECT_THAT(log.Take(), ElementsAre(enter, exit, enter, exit));
 }
 
 TEST(VersionResource, PrintsTheLargestWordsUnsigned) {
-  EXPECT_THAT(Read(Image("maxwords.sys")),
+  EXPECT_THAT(Read(Image(L"maxwords.sys")),
               ElementsAre("Largest words", "Largest", "65535.65535.65535.65535", "65535.0.65535.0"));
 }
 
 TEST(VersionResource, MissingLeavesAllEmpty) {
   const auto nothing = ElementsAre("", "", "", "");
-  EXPECT_THAT(Read(Image("noresource.sys")), nothing);
-  EXPECT_THAT(Read(Image("no such file.sys")), nothing);
-  EXPECT_THAT(Read(Image("")), nothing);
+  EXPECT_THAT(Read(Image(L"noresource.sys")), nothing);
+  EXPECT_THAT(Read("C:\\no such file.sys"), nothing);
+  EXPECT_THAT(Read(test::SystemDirectory()), nothing) << "a folder";
   EXPECT_THAT(Read(""), nothing);
 }
 
 TEST(VersionResource, OfFixedBlockAloneGivesTheVersions) {
-  EXPECT_THAT(Read(Image("fixedonly.sys")), ElementsAre("", "", "1.2.3.4", "5.6.7.8"));
+  EXPECT_THAT(Read(Image(L"fixedonly.sys")), ElementsAre("", "", "1.2.3.4", "5.6.7.8"));
 }
 
 TEST(VersionResource, WithoutAStringLeavesThatTextEmpty) {
-  EXPECT_THAT(Read(Image("nocompany.sys")), ElementsAre("Driver of no one", "", "10.0.0.10", "10.0.100.0"));
+  EXPECT_THAT(Read(Image(L"nocompany.sys")), ElementsAre("Driver of no one", "", "10.0.0.10", "10.0.100.0"));
 }
 
 TEST(VersionResource, OfTwoLanguagesSpeaksTheFirst) {
-  EXPECT_THAT(Read(Image("twotranslations.sys")), ElementsAre("Erster Treiber", "Erste Firma", "3.1.0.0", "3.2.0.0"));
+  EXPECT_THAT(Read(Image(L"twotranslations.sys")), ElementsAre("Erster Treiber", "Erste Firma", "3.1.0.0", "3.2.0.0"));
 }
 
 TEST(VersionResource, TextsAreInTheAnsiCodePage) {
   if (GetACP() != 1252) GTEST_SKIP() << "the expected bytes are those of code page 1252";
-  EXPECT_THAT(Read(Image("codepage.sys")),
+  EXPECT_THAT(Read(Image(L"codepage.sys")),
               ElementsAre("Treiber f\xFCr Ger\xE4te", "M\xFCller Ger\xE4te", "4.0.0.0", "4.0.0.1"));
 }
 
@@ -75,32 +82,26 @@ TEST(VersionResource, IsAskedByLowerCaseHexadecimalWithLeadingZeros) {
     asked.emplace_back(path);
     return query.Real(block, path, value, length);
   });
-  Read(Image("codepage.sys"));
+  Read(Image(L"codepage.sys"));
   EXPECT_THAT(asked, ElementsAre("\\VarFileInfo\\Translation", "\\", "\\StringFileInfo\\000704e4\\FileDescription",
                                  "\\StringFileInfo\\000704e4\\CompanyName"));
 }
 
 TEST(VersionResource, PathDoesNotDependOnTheGlobalLocale) {
-  class Grouping : public std::numpunct<char> {
-   protected:
-    char do_thousands_sep() const override { return '.'; }
-    std::string do_grouping() const override { return "\1"; }
-  };
-  const std::locale former = std::locale::global(std::locale(std::locale::classic(), new Grouping));
-  EXPECT_THAT(Read(Image("full.sys")),
+  const test::HostLocale<test::GroupedDigits> locale;
+  EXPECT_THAT(Read(Image(L"full.sys")),
               ElementsAre("Example bus driver", "Example Systems", "6.2.9200.16384", "10.0.1.2"));
-  std::locale::global(former);
 }
 
 TEST(VersionResource, WithoutTranslationIsReadUnderTheLastOneSeen) {
-  Read(Image("full.sys"));
-  EXPECT_THAT(Read(Image("notranslation.sys")),
+  Read(Image(L"full.sys"));
+  EXPECT_THAT(Read(Image(L"notranslation.sys")),
               ElementsAre("Driver without a translation", "Untranslated Systems", "2.0.0.1", "2.0.0.2"));
-  Read(Image("noresource.sys"));
-  EXPECT_THAT(Read(Image("notranslation.sys")),
+  Read(Image(L"noresource.sys"));
+  EXPECT_THAT(Read(Image(L"notranslation.sys")),
               ElementsAre("Driver without a translation", "Untranslated Systems", "2.0.0.1", "2.0.0.2"));
-  Read(Image("twotranslations.sys"));
-  EXPECT_THAT(Read(Image("notranslation.sys")), ElementsAre("", "", "2.0.0.1", "2.0.0.2"))
+  Read(Image(L"twotranslations.sys"));
+  EXPECT_THAT(Read(Image(L"notranslation.sys")), ElementsAre("", "", "2.0.0.1", "2.0.0.2"))
       << "its table is not that of the last translation";
 }
 
@@ -110,7 +111,7 @@ TEST(VersionResource, WithoutTranslationBeforeAnyOtherHasNoTexts) {
     asked.emplace_back(path);
     return query.Real(block, path, value, length);
   });
-  EXPECT_THAT(Read(Image("notranslation.sys")), ElementsAre("", "", "2.0.0.1", "2.0.0.2"));
+  EXPECT_THAT(Read(Image(L"notranslation.sys")), ElementsAre("", "", "2.0.0.1", "2.0.0.2"));
   EXPECT_THAT(asked, ElementsAre("\\VarFileInfo\\Translation", "\\"));
 }
 
@@ -123,14 +124,29 @@ TEST(VersionResource, IsReadIntoABufferOfTheSizeThatTheSystemNames) {
     given.push_back(bytes);
     return read.Real(path, handle, bytes, buffer);
   });
-  Read(Image("full.sys"));
+  Read(Image(L"full.sys"));
   EXPECT_GT(named, 0u);
   EXPECT_THAT(given, ElementsAre(named));
 }
 
+TEST(VersionResource, IsReadWithTheHandleThatTheSystemGaveAndWhateverReadingSays) {
+  HOOK(size, ThisProgram(), GetFileVersionInfoSizeA, [&](const char* path, DWORD* handle) {
+    const DWORD result = size.Real(path, handle);
+    *handle = 77;
+    return result;
+  });
+  HOOK(read, ThisProgram(), GetFileVersionInfoA, [&](const char* path, DWORD handle, DWORD bytes, void* buffer) {
+    EXPECT_EQ(handle, 77u);
+    read.Real(path, 0, bytes, buffer);
+    return FALSE;
+  });
+  EXPECT_THAT(Read(Image(L"full.sys")),
+              ElementsAre("Example bus driver", "Example Systems", "6.2.9200.16384", "10.0.1.2"));
+}
+
 TEST(VersionResource, ThatCannotBeReadHasNoTexts) {
   HOOK(read, ThisProgram(), GetFileVersionInfoA, [](const char*, DWORD, DWORD, void*) { return FALSE; });
-  EXPECT_THAT(Read(Image("full.sys")), ElementsAre("", "", "", ""));
+  EXPECT_THAT(Read(Image(L"full.sys")), ElementsAre("", "", "", ""));
 }
 
 TEST(VersionResource, OfImpossibleSizeIsNotRead) {
@@ -139,7 +155,7 @@ TEST(VersionResource, OfImpossibleSizeIsNotRead) {
     ADD_FAILURE() << "read";
     return FALSE;
   });
-  EXPECT_THAT(Read(Image("full.sys")), ElementsAre("", "", "", ""));
+  EXPECT_THAT(Read(Image(L"full.sys")), ElementsAre("", "", "", ""));
 }
 
 /// Answers one query of VerQueryValueA, `path`, as the test says; the others are the platform's.
@@ -175,18 +191,18 @@ TEST(VersionResource, TranslationCountsWhateverResultAndLengthSay) {
     *length = 0;
     return FALSE;
   });
-  EXPECT_THAT(Read(Image("notranslation.sys")),
+  EXPECT_THAT(Read(Image(L"notranslation.sys")),
               ElementsAre("Driver without a translation", "Untranslated Systems", "2.0.0.1", "2.0.0.2"));
 }
 
 TEST(VersionResource, TranslationCutOffByTheEndOfTheResourceIsNone) {
-  const DWORD size = SizeOf(Image("full.sys"));
+  const DWORD size = SizeOf(Image(L"full.sys"));
   const OneQuery query("\\VarFileInfo\\Translation", [size](const char* block, void** value, UINT* length) {
     *value = const_cast<char*>(block + size - 3);
     *length = 4;
     return TRUE;
   });
-  EXPECT_THAT(Read(Image("full.sys")), ElementsAre("", "", "6.2.9200.16384", "10.0.1.2"));
+  EXPECT_THAT(Read(Image(L"full.sys")), ElementsAre("", "", "6.2.9200.16384", "10.0.1.2"));
 }
 
 TEST(VersionResource, OnlyTheLengthDecidesAboutTheFixedBlock) {
@@ -196,10 +212,10 @@ TEST(VersionResource, OnlyTheLengthDecidesAboutTheFixedBlock) {
     *length = told;
     return result;
   });
-  EXPECT_THAT(Read(Image("full.sys")),
+  EXPECT_THAT(Read(Image(L"full.sys")),
               ElementsAre("Example bus driver", "Example Systems", "6.2.9200.16384", "10.0.1.2"));
   told = 0;
-  EXPECT_THAT(Read(Image("full.sys")), ElementsAre("Example bus driver", "Example Systems", "", ""));
+  EXPECT_THAT(Read(Image(L"full.sys")), ElementsAre("Example bus driver", "Example Systems", "", ""));
 }
 
 TEST(VersionResource, FailedQueriesHaveNoLength) {
@@ -207,11 +223,11 @@ TEST(VersionResource, FailedQueriesHaveNoLength) {
     query.Real(block, path, value, length);
     return FALSE;
   });
-  EXPECT_THAT(Read(Image("full.sys")), ElementsAre("", "", "", ""));
+  EXPECT_THAT(Read(Image(L"full.sys")), ElementsAre("", "", "", ""));
 }
 
 TEST(VersionResource, FixedBlockEndsWithTheResource) {
-  const DWORD size = SizeOf(Image("full.sys"));
+  const DWORD size = SizeOf(Image(L"full.sys"));
   const OneQuery query("\\", [size](const char* block, void** value, UINT* length) {
     char* const rest = const_cast<char*>(block + size - 16);
     const DWORD words[] = {0xFEEF04BD, 0x00010000, 0x00070008, 0x0009000A};
@@ -220,11 +236,11 @@ TEST(VersionResource, FixedBlockEndsWithTheResource) {
     *length = sizeof(VS_FIXEDFILEINFO);
     return TRUE;
   });
-  EXPECT_THAT(Read(Image("full.sys")), ElementsAre("Example bus driver", "Example Systems", "7.8.9.10", "0.0.0.0"));
+  EXPECT_THAT(Read(Image(L"full.sys")), ElementsAre("Example bus driver", "Example Systems", "7.8.9.10", "0.0.0.0"));
 }
 
 TEST(VersionResource, TextEndsWithTheResource) {
-  const DWORD size = SizeOf(Image("full.sys"));
+  const DWORD size = SizeOf(Image(L"full.sys"));
   const OneQuery query("\\StringFileInfo\\040904b0\\CompanyName",
                        [size](const char* block, void** value, UINT* length) {
                          char* const rest = const_cast<char*>(block + size - 4);
@@ -233,7 +249,7 @@ TEST(VersionResource, TextEndsWithTheResource) {
                          *length = 5;
                          return TRUE;
                        });
-  EXPECT_THAT(Read(Image("full.sys")), ElementsAre("Example bus driver", "Last", "6.2.9200.16384", "10.0.1.2"));
+  EXPECT_THAT(Read(Image(L"full.sys")), ElementsAre("Example bus driver", "Last", "6.2.9200.16384", "10.0.1.2"));
 }
 
 TEST(VersionResource, TextWithoutLengthIsNone) {
@@ -243,7 +259,42 @@ TEST(VersionResource, TextWithoutLengthIsNone) {
         *length = 0;
         return result;
       });
-  EXPECT_THAT(Read(Image("full.sys")), ElementsAre("", "Example Systems", "6.2.9200.16384", "10.0.1.2"));
+  EXPECT_THAT(Read(Image(L"full.sys")), ElementsAre("", "Example Systems", "6.2.9200.16384", "10.0.1.2"));
+}
+
+TEST(VersionResource, MayBeLarge) {
+  const ScratchFile image(TemporaryPath("large.sys"), L"images\\noresource.sys");
+  test::VersionSettings settings;
+  settings.file[0] = 7;
+  settings.texts = {{L"CompanyName", L"Example Systems"}};
+  std::vector<char> bytes = test::VersionResourceBytes(settings);
+  bytes.resize(600'000);
+  test::SetVersionResource(image.Path(), bytes);
+  EXPECT_THAT(Read(image.Path()), ElementsAre("", "Example Systems", "7.0.0.0", "0.0.0.0"));
+}
+
+// The lengths in a resource lead the platform; wherever they point, no read and no write leaves the buffer, or the process would not
+// survive this.
+TEST(VersionResource, MayHaveAnyLengthInIt) {
+  test::VersionSettings settings;
+  settings.texts = {{L"CompanyName", L"Example Systems"}, {L"FileDescription", L"Example driver"}};
+  const std::vector<char> good = test::VersionResourceBytes(settings);
+  std::vector<char> bytes;
+  HOOK(size, ThisProgram(), GetFileVersionInfoSizeA,
+       [&](const char*, DWORD*) { return static_cast<DWORD>(2 * bytes.size() + 4); });
+  HOOK(read, ThisProgram(), GetFileVersionInfoA, [&](const char*, DWORD, DWORD, void* buffer) {
+    std::memcpy(buffer, bytes.data(), bytes.size());
+    return TRUE;
+  });
+  for (std::size_t offset = 0; offset + 1 < good.size(); offset += 2) {
+    for (const int word : {0, 1, 5, 0x600, 0x1000, 0x7FFF, 0x8000, 0xFFFE, 0xFFFF}) {
+      bytes = good;
+      bytes[offset] = static_cast<char>(word);
+      bytes[offset + 1] = static_cast<char>(word >> 8);
+      const std::vector<std::string> texts = Read("x.sys");
+      EXPECT_LT(texts[0].size() + texts[1].size(), 1'000'000u);
+    }
+  }
 }
 
 TEST(SplitAtSemicolon, SplitsAtTheFirst) {

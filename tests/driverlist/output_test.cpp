@@ -72,4 +72,61 @@ TEST_F(FileOutput, RefusesAWriteThatTakesNothing) {
   EXPECT_THAT(folder.Files(), IsEmpty());
 }
 
+TEST_F(FileOutput, LeavesTheFormerFileWhenItCannotBeFlushed) {
+  Write(L"file", "old");
+  HOOK(flush, GetModuleHandleA(nullptr), FlushFileBuffers, [](HANDLE) {
+    SetLastError(ERROR_DISK_FULL);
+    return FALSE;
+  });
+  EXPECT_EQ(Write(L"file", "new"), ErrorText(ERROR_DISK_FULL));
+  EXPECT_EQ(Content(L"file"), "old");
+  EXPECT_THAT(folder.Files(), ElementsAre(L"file"));
+}
+
+TEST_F(FileOutput, GoesToADeviceAsItIs) { EXPECT_EQ(WriteFileWhole("NUL", "text"), ""); }
+
+TEST(ConsoleOutput, IsWrittenInUtf16) {
+  std::wstring written;
+  HOOK(mode, GetModuleHandleA(nullptr), GetConsoleMode,
+       [](HANDLE handle, DWORD*) -> BOOL { return handle == GetStdHandle(STD_OUTPUT_HANDLE); });
+  HOOK(write, GetModuleHandleA(nullptr), WriteConsoleW,
+       [&](HANDLE, const void* text, DWORD length, DWORD* count, void*) -> BOOL {
+         EXPECT_LE(length, 8192u);
+         written.append(static_cast<const wchar_t*>(text), length);
+         *count = length;
+         return TRUE;
+       });
+  const std::string text = "Ger\u00E4t \u4E2D\n" + std::string(20000, 'x');
+  EXPECT_EQ(WriteStandardOutput(text), "");
+  EXPECT_EQ(written, WideFromUtf8(text));
+}
+
+TEST(ConsoleOutput, TellsWhatWentWrong) {
+  HOOK(mode, GetModuleHandleA(nullptr), GetConsoleMode, [](HANDLE, DWORD*) { return TRUE; });
+  HOOK(write, GetModuleHandleA(nullptr), WriteConsoleW, [](HANDLE, const void*, DWORD, DWORD*, void*) -> BOOL {
+    SetLastError(ERROR_INVALID_HANDLE);
+    return FALSE;
+  });
+  EXPECT_EQ(WriteStandardOutput("text"), ErrorText(ERROR_INVALID_HANDLE));
+}
+
+TEST(ConsoleOutput, IsOneColumnNarrowerThanItsWindow) {
+  SMALL_RECT window = {5, 0, 84, 24};
+  HOOK(info, GetModuleHandleA(nullptr), GetConsoleScreenBufferInfo,
+       [&](HANDLE, CONSOLE_SCREEN_BUFFER_INFO* buffer) -> BOOL {
+         buffer->dwSize = {300, 9999};
+         buffer->srWindow = window;
+         return TRUE;
+       });
+  EXPECT_EQ(TerminalWidth(), 79u);
+  window = {0, 0, 0, 0};
+  EXPECT_EQ(TerminalWidth(), 1u) << "a window of one column";
+}
+
+TEST(ConsoleOutput, HasNoWidthWithoutConsole) {
+  HOOK(info, GetModuleHandleA(nullptr), GetConsoleScreenBufferInfo,
+       [](HANDLE, CONSOLE_SCREEN_BUFFER_INFO*) { return FALSE; });
+  EXPECT_EQ(TerminalWidth(), 0u);
+}
+
 }  // namespace

@@ -38,8 +38,8 @@ class Program : public test::ScratchMachine {
 
  private:
   struct Machine {
-    ScratchFile bus{DriverPath("OiBus.sys"), "images\\full.sys"};
-    ScratchFile german{DriverPath("OiGeraet.sys"), "images\\codepage.sys"};
+    ScratchFile bus{DriverPath("OiBus.sys"), L"images\\full.sys"};
+    ScratchFile german{DriverPath("OiGeraet.sys"), L"images\\codepage.sys"};
     ScratchFile plain{DriverPath("OiPlain.sys"), 4096};
     DriverService busService{"OiBus", "\\SystemRoot\\System32\\drivers\\OiBus.sys", SERVICE_BOOT_START};
     DriverService germanService{"OiGeraet", "System32\\drivers\\OiGeraet.sys", SERVICE_AUTO_START};

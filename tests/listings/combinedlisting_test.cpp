@@ -1,6 +1,6 @@
-#include <locale>
 
 #include "listings.h"
+#include "locales.h"
 
 using namespace test;
 using Orvane::All;
@@ -156,17 +156,11 @@ TEST_F(CombinedListing, ShadowsTheCallersRecordsTooInTheOrderOfTheDevices) {
 }
 
 TEST_F(CombinedListing, CountsWithoutGroupingDigits) {
-  class Grouping : public std::numpunct<char> {
-   protected:
-    char do_thousands_sep() const override { return '.'; }
-    std::string do_grouping() const override { return "\1"; }
-  };
   SetDevices({});
   std::vector<DriverData> drivers(12);
   for (std::size_t i = 0; i < 12; ++i) drivers[i].name = std::to_string(i);
-  const std::locale former = std::locale::global(std::locale(std::locale::classic(), new Grouping));
+  const test::HostLocale<test::GroupedDigits> locale;
   info.list_drivers(drivers, All);
-  std::locale::global(former);
   const std::vector<LogLine> lines = log.Take();
   EXPECT_EQ(lines.back(), After(12));
 }

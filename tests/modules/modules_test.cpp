@@ -19,7 +19,7 @@ using testing::Not;
 class Module {
  public:
   explicit Module(const std::string& file)
-      : m_path(test::ProgramDirectory() + "\\" + file),
+      : m_path(test::ProgramFile(std::wstring(file.begin(), file.end()))),
         m_module(LoadLibraryExA(m_path.c_str(), nullptr, DONT_RESOLVE_DLL_REFERENCES)) {
     EXPECT_NE(m_module, nullptr) << m_path;
   }

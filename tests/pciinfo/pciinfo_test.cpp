@@ -52,6 +52,21 @@ DeviceSettings Named(const std::string& instanceId) {
   return settings;
 }
 
+TEST(PciDeviceRecord, HasItsMembersInTheOrderThatAllModulesShare) {
+  const PciDeviceRecord r;
+  const void* const members[] = {&r.description, &r.device_id,      &r.text3,    &r.text4,
+                                 &r.provider,    &r.vendor_id,      &r.text7,    &r.identity_part3,
+                                 &r.text9,       &r.identity_part4, &r.text11,   &r.text12,
+                                 &r.text13,      &r.text14,         &r.inf_name, &r.list};
+  EXPECT_EQ(members[0], &r);
+  for (std::size_t i = 1; i < std::size(members); ++i) {
+    EXPECT_EQ(static_cast<const char*>(members[i]) - static_cast<const char*>(members[i - 1]),
+              static_cast<std::ptrdiff_t>(sizeof(std::string)))
+        << i;
+  }
+  EXPECT_EQ(sizeof(r), 15 * sizeof(std::string) + sizeof(std::vector<std::string>));
+}
+
 class PciInfo : public test::ScratchMachine {
  protected:
   /// What the module reports of the devices of this test: a machine may have others.

@@ -1,6 +1,7 @@
 #include "description.h"
 
 #include <cstdio>
+#include <filesystem>
 #include <fstream>
 #include <map>
 #include <nlohmann/json.hpp>
@@ -97,7 +98,7 @@ auto ReadAll(const Json& json, const char* member, Read read) {
 }  // namespace
 
 Description ReadDescription(const std::string& path) {
-  std::ifstream file(path);
+  std::ifstream file(std::filesystem::u8path(path));
   if (!file) throw std::runtime_error(path + " cannot be read.");
   try {
     const Json json = Json::parse(file);

@@ -57,7 +57,7 @@ struct Description {
   std::vector<RegistryText> registry;
 };
 
-/// Reads the file at `path`. Throws std::runtime_error with one sentence that says what is wrong with it.
+/// Reads the file at `path` (UTF-8). Throws std::runtime_error with one sentence that says what is wrong with it.
 Description ReadDescription(const std::string& path);
 
 }  // namespace samplemachine

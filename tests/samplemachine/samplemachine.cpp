@@ -1,10 +1,9 @@
 #include "samplemachine.h"
 
-#include <boost/algorithm/string/predicate.hpp>
 #include <fstream>
 #include <stdexcept>
 
-#include "scratchmachine.h"
+#include "machine.h"
 
 namespace samplemachine {
 namespace {
@@ -38,10 +37,7 @@ std::vector<std::string> FilesLike(const std::string& pattern) {
 
 void MakeDriver(const Driver& driver) {
   const std::string path = DriverPath(driver);
-  test::MakeFoldersFor(path);
-  if (!CopyFileA((test::ProgramDirectory() + "\\images\\sampledriver.sys").c_str(), path.c_str(), FALSE)) {
-    throw std::runtime_error(path + " cannot be written.");
-  }
+  test::CopyImage(L"images\\sampledriver.sys", path);
   if (driver.hasVersion) test::SetVersionResource(path, test::VersionResourceBytes(driver.version));
   {
     // What follows the image proper is no concern of the loader.
@@ -71,7 +67,6 @@ void Clear() {
     DeleteFileA((test::InfDirectory() + "\\" + name).c_str());
   }
   for (const char* const key : {"SOFTWARE\\Intel", "SOFTWARE\\WOW6432Node\\AMD"}) test::DeleteRegistryKey(key);
-  test::MarkAsScratchMachine();
 }
 
 void Make(const Description& description) {

@@ -7,7 +7,7 @@
 namespace samplemachine {
 
 /// Takes away what makes machines differ: driver services (from the next start of the Wine server on), PCI and platform devices, OEM
-/// packages, chipset packages. Marks the prefix as one that may be changed.
+/// packages, chipset packages.
 void Clear();
 
 /// Makes everything that the description lists, and starts the drivers that run.

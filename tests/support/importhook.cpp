@@ -15,6 +15,7 @@ const T* At(const char* base, DWORD offset) {
 }  // namespace
 
 void** ImportSlot(HMODULE module, const char* function) {
+  if (module == nullptr) throw std::runtime_error("there is no such module to import " + std::string(function));
   const char* const base = reinterpret_cast<const char*>(module);
   const auto* const headers = At<IMAGE_NT_HEADERS>(base, static_cast<DWORD>(At<IMAGE_DOS_HEADER>(base, 0)->e_lfanew));
   const IMAGE_DATA_DIRECTORY& directory = headers->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT];

@@ -3,6 +3,7 @@
 // After windows.h.
 #include <setupapi.h>
 
+#include <algorithm>
 #include <cstring>
 #include <stdexcept>
 
@@ -137,10 +138,26 @@ std::string InfDirectory() {
   return std::string(path, GetSystemWindowsDirectoryA(path, MAX_PATH)) + "\\inf";
 }
 
-std::string ProgramDirectory() {
-  char path[MAX_PATH];
-  const std::string program(path, GetModuleFileNameA(nullptr, path, MAX_PATH));
-  return program.substr(0, program.rfind('\\'));
+std::wstring ProgramDirectory() {
+  wchar_t path[1024];
+  const std::wstring program(path, GetModuleFileNameW(nullptr, path, 1024));
+  return program.substr(0, program.rfind(L'\\'));
+}
+
+std::string ProgramFile(const std::wstring& file) {
+  const std::wstring path = ProgramDirectory() + L"\\" + file;
+  const bool ascii = std::all_of(path.begin(), path.end(), [](wchar_t c) { return c < 0x80; });
+  wchar_t shortPath[1024];
+  const std::wstring chosen = ascii ? path : std::wstring(shortPath, GetShortPathNameW(path.c_str(), shortPath, 1024));
+  std::string narrow;
+  for (const wchar_t c : chosen) narrow += static_cast<char>(c);
+  return narrow;
+}
+
+bool IsPrivateMachine() {
+  char windows[MAX_PATH];
+  const std::string mark = std::string(windows, GetSystemWindowsDirectoryA(windows, MAX_PATH)) + "\\driverinfo-machine";
+  return IsWine() && GetFileAttributesA(mark.c_str()) != INVALID_FILE_ATTRIBUTES;
 }
 
 bool MakeRegistryKey(const std::string& key) { return MakeKey(key).second; }
@@ -252,6 +269,14 @@ std::string MakeFoldersFor(const std::string& path) {
     if (CreateDirectoryA(folder.c_str(), nullptr) && first.empty()) first = folder;
   }
   return first;
+}
+
+std::string CopyImage(const std::wstring& image, const std::string& path) {
+  const std::string firstFolder = MakeFoldersFor(path);
+  const std::wstring target(path.begin(), path.end());
+  Require(CopyFileW((ProgramDirectory() + L"\\" + image).c_str(), target.c_str(), FALSE),
+          "copying an image to " + path);
+  return firstFolder;
 }
 
 void SetFileCreationTime(const std::string& path, const SYSTEMTIME& utc) {

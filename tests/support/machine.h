@@ -22,7 +22,13 @@ std::string SystemDirectory();
 std::string InfDirectory();
 
 /// The folder of this program, which also holds the driver images that the build makes.
-std::string ProgramDirectory();
+std::wstring ProgramDirectory();
+
+/// The path of `file` in the program's folder, in the ANSI code page whatever the folder is called: by short names where needed.
+std::string ProgramFile(const std::wstring& file);
+
+/// Whether this machine was made to be changed: a private Wine prefix of this project.
+bool IsPrivateMachine();
 
 // --- Registry. Keys are below HKEY_LOCAL_MACHINE, in the 64-bit view.
 
@@ -75,6 +81,9 @@ void RemoveDevice(const std::string& instanceId);
 
 /// Makes the folders above `path` that do not exist. Returns the first of them; empty when all existed.
 std::string MakeFoldersFor(const std::string& path);
+
+/// Copies `image`, a file of the program's folder, to `path`. Makes folders as MakeFoldersFor().
+std::string CopyImage(const std::wstring& image, const std::string& path);
 
 /// Creation time in UTC. Wine has none of its own for a file and shows the time of the last write, which is set too.
 void SetFileCreationTime(const std::string& path, const SYSTEMTIME& utc);

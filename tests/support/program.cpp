@@ -21,8 +21,8 @@ ProgramResult RunProgram(const std::string& program, const std::wstring& argumen
   const TemporaryFolder folder;
   const HANDLE outputFile = CreateInherited(folder.Path(L"output"));
   const HANDLE errorFile = CreateInherited(folder.Path(L"errors"));
-  const std::string path = ProgramDirectory() + "\\" + program;
-  std::wstring commandLine = L"\"" + std::wstring(path.begin(), path.end()) + L"\" " + arguments;
+  const std::wstring path = ProgramDirectory() + L"\\" + std::wstring(program.begin(), program.end());
+  std::wstring commandLine = L"\"" + path + L"\" " + arguments;
   STARTUPINFOW start{};
   start.cb = sizeof(start);
   start.dwFlags = STARTF_USESTDHANDLES;
@@ -30,7 +30,7 @@ ProgramResult RunProgram(const std::string& program, const std::wstring& argumen
   start.hStdError = errorFile;
   PROCESS_INFORMATION process{};
   if (!CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &start, &process)) {
-    throw std::runtime_error("cannot start " + path + ": error " + std::to_string(GetLastError()));
+    throw std::runtime_error("cannot start " + program + ": error " + std::to_string(GetLastError()));
   }
   WaitForSingleObject(process.hProcess, INFINITE);
   ProgramResult result{};

@@ -7,18 +7,13 @@
 namespace test {
 namespace {
 
-constexpr char MarkKey[] = "SOFTWARE\\Orvane\\Tests";
-
 constexpr SYSTEMTIME CreationTime = {2006, 6, 3, 21, 13, 5, 9, 0};
 
 }  // namespace
 
 bool MayChangeThisMachine() {
-  if (std::getenv("DRIVERINFO_TESTS_MAY_CHANGE_THIS_MACHINE") != nullptr) return true;
-  return !RegistrySubkeys(MarkKey).empty();
+  return GetEnvironmentVariableA("DRIVERINFO_TESTS_MAY_CHANGE_THIS_MACHINE", nullptr, 0) > 0 || IsPrivateMachine();
 }
-
-void MarkAsScratchMachine() { MakeRegistryKey(std::string(MarkKey) + "\\This machine may be changed"); }
 
 void ScratchMachine::SetUp() {
   if (!MayChangeThisMachine()) {
@@ -27,9 +22,10 @@ void ScratchMachine::SetUp() {
   }
 }
 
-ScratchFile::ScratchFile(const std::string& path, std::size_t size)
-    : m_path(path), m_firstFolderMade(MakeFoldersFor(path)) {
-  const HANDLE file = CreateFileA(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
+ScratchFile::ScratchFile(const std::string& path, std::size_t size) : m_path(path) {
+  RefuseExisting();
+  m_firstFolderMade = MakeFoldersFor(path);
+  const HANDLE file = CreateFileA(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0, nullptr);
   LARGE_INTEGER end;
   end.QuadPart = static_cast<LONGLONG>(size);
   const bool sized = SetFilePointerEx(file, end, nullptr, FILE_BEGIN) && SetEndOfFile(file);
@@ -38,20 +34,24 @@ ScratchFile::ScratchFile(const std::string& path, std::size_t size)
   SetFileCreationTime(path, CreationTime);
 }
 
-ScratchFile::ScratchFile(const std::string& path, const std::string& image)
-    : m_path(path), m_firstFolderMade(MakeFoldersFor(path)) {
-  if (!CopyFileA((ProgramDirectory() + "\\" + image).c_str(), path.c_str(), FALSE)) {
-    throw std::runtime_error("cannot copy " + image + " to " + path);
-  }
+ScratchFile::ScratchFile(const std::string& path, const std::wstring& image) : m_path(path) {
+  RefuseExisting();
+  m_firstFolderMade = CopyImage(image, path);
   SetFileCreationTime(path, CreationTime);
 }
 
-ScratchFile::ScratchFile(const std::string& path, const std::vector<std::string>& lines)
-    : m_path(path), m_firstFolderMade(MakeFoldersFor(path)) {
+ScratchFile::ScratchFile(const std::string& path, const std::vector<std::string>& lines) : m_path(path) {
+  RefuseExisting();
+  m_firstFolderMade = MakeFoldersFor(path);
   std::ofstream file(path, std::ios::binary);
   for (const std::string& line : lines) file << line << "\r\n";
   file.close();
   if (!file) throw std::runtime_error("cannot write " + path);
+}
+
+void ScratchFile::RefuseExisting() const {
+  if (GetFileAttributesA(m_path.c_str()) != INVALID_FILE_ATTRIBUTES)
+    throw std::runtime_error(m_path + " exists already");
 }
 
 ScratchFile::~ScratchFile() {
@@ -64,7 +64,8 @@ ScratchFile::~ScratchFile() {
 }
 
 EnvironmentVariable::EnvironmentVariable(const std::string& name, const std::string& value) : m_name(name) {
-  if (const char* const former = std::getenv(name.c_str())) m_former = former;
+  char former[1024];
+  m_former.assign(former, GetEnvironmentVariableA(name.c_str(), former, sizeof(former)));
   _putenv_s(name.c_str(), value.c_str());
 }
 

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -12,12 +13,9 @@
 
 namespace test {
 
-/// Whether this machine was made to be changed: a Wine prefix that says so, or any machine whose user does by setting the
-/// environment variable DRIVERINFO_TESTS_MAY_CHANGE_THIS_MACHINE.
+/// Whether tests may change this machine: a private Wine prefix, or any machine whose user says so by setting the environment
+/// variable DRIVERINFO_TESTS_MAY_CHANGE_THIS_MACHINE. What is there already they leave alone.
 bool MayChangeThisMachine();
-
-/// Lets the Wine prefix say that tests may change it.
-void MarkAsScratchMachine();
 
 /// Skips its tests, saying so, on a machine that is not to be changed.
 class ScratchMachine : public ::testing::Test {
@@ -49,7 +47,7 @@ class DriverService : Scratch {
   std::string m_name;
 };
 
-/// Keys made for the value go with it.
+/// Keys made for the value go with it. A value of a service of the test replaces the former one.
 class RegistryValue : Scratch {
  public:
   RegistryValue(const std::string& key, const std::string& name, DWORD type, const std::string& bytes)
@@ -62,10 +60,12 @@ class RegistryValue : Scratch {
   bool m_madeKey;
 };
 
-/// A key without values.
+/// A key without values, that was not there.
 class RegistryKey : Scratch {
  public:
-  explicit RegistryKey(const std::string& key) : m_key(key) { MakeRegistryKey(key); }
+  explicit RegistryKey(const std::string& key) : m_key(key) {
+    if (!MakeRegistryKey(key)) throw std::runtime_error(key + " exists already");
+  }
   ~RegistryKey() { DeleteRegistryKey(m_key); }
 
  private:
@@ -81,13 +81,13 @@ class Device : Scratch {
   std::string m_instanceId;
 };
 
-/// Folders made for the file go with it. Its creation time is 21 June 2006, 13:05:09 UTC.
+/// A file that was not there. Folders made for it go with it. Its creation time is 21 June 2006, 13:05:09 UTC.
 class ScratchFile : Scratch {
  public:
   /// A file of `size` zero bytes.
   ScratchFile(const std::string& path, std::size_t size);
   /// A copy of `image`, one of the driver images beside the test program.
-  ScratchFile(const std::string& path, const std::string& image);
+  ScratchFile(const std::string& path, const std::wstring& image);
   /// A file of text lines, ended by "\r\n".
   ScratchFile(const std::string& path, const std::vector<std::string>& lines);
   ~ScratchFile();
@@ -95,6 +95,8 @@ class ScratchFile : Scratch {
   const std::string& Path() const { return m_path; }
 
  private:
+  void RefuseExisting() const;
+
   std::string m_path;
   std::string m_firstFolderMade;
 };

@@ -1,9 +1,8 @@
-#include <windows.h>
-
 #include <new>
 #include <string>
 #include <vector>
 
+#include "context.h"
 #include "driverinfo.h"
 #include "formats.h"
 #include "log.h"
@@ -20,21 +19,6 @@ constexpr int CannotWrite = 1;
 int Fail(int exitCode, const std::string& sentence) {
   WriteStandardError("driverlist: " + sentence + "\n");
   return exitCode;
-}
-
-std::string HostName() {
-  wchar_t name[256];
-  DWORD size = 256;
-  return GetComputerNameExW(ComputerNamePhysicalDnsHostname, name, &size) ? Utf8FromWide({name, size}) : std::string();
-}
-
-std::string UtcNow() {
-  SYSTEMTIME now;
-  GetSystemTime(&now);
-  char text[32];
-  std::snprintf(text, sizeof(text), "%04u-%02u-%02uT%02u:%02u:%02uZ", now.wYear, now.wMonth, now.wDay, now.wHour,
-                now.wMinute, now.wSecond);
-  return text;
 }
 
 /// False when the log file cannot be opened.

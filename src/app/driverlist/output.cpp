@@ -47,10 +47,13 @@ DWORD WriteStandard(DWORD which, const std::string& text) {
 
 std::string Problem(DWORD error) { return error == ERROR_SUCCESS ? std::string() : ErrorText(error); }
 
+HANDLE OpenToWrite(const std::wstring& path, DWORD disposition) {
+  return CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, disposition, FILE_ATTRIBUTE_NORMAL, nullptr);
+}
+
 /// Zero, or the error of Windows.
 DWORD WriteNewFile(const std::wstring& path, const std::string& text) {
-  const HANDLE file =
-      CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+  const HANDLE file = OpenToWrite(path, CREATE_ALWAYS);
   if (file == INVALID_HANDLE_VALUE) return GetLastError();
   DWORD error = WriteBytes(file, text);
   if (error == ERROR_SUCCESS && !FlushFileBuffers(file)) error = GetLastError();
@@ -58,12 +61,31 @@ DWORD WriteNewFile(const std::wstring& path, const std::string& text) {
   return error;
 }
 
+/// Zero, or the error of Windows.
+DWORD WriteAsideAndReplace(const std::wstring& path, const std::string& text) {
+  const std::wstring draft = path + L"." + std::to_wstring(GetCurrentProcessId()) + L".tmp";
+  DWORD error = WriteNewFile(draft, text);
+  if (error == ERROR_SUCCESS && !MoveFileExW(draft.c_str(), path.c_str(), MOVEFILE_REPLACE_EXISTING)) {
+    error = GetLastError();
+  }
+  if (error != ERROR_SUCCESS) DeleteFileW(draft.c_str());
+  return error;
+}
+
+/// The device that `path` names, opened; none when it names a file or nothing.
+HANDLE OpenDevice(const std::wstring& path) {
+  const HANDLE opened = OpenToWrite(path, OPEN_EXISTING);
+  if (opened == INVALID_HANDLE_VALUE || GetFileType(opened) != FILE_TYPE_DISK) return opened;
+  CloseHandle(opened);
+  return INVALID_HANDLE_VALUE;
+}
+
 }  // namespace
 
 std::size_t TerminalWidth() {
   CONSOLE_SCREEN_BUFFER_INFO info{};
   if (!GetConsoleScreenBufferInfo(GetStdHandle(STD_OUTPUT_HANDLE), &info)) return 0;
-  return static_cast<std::size_t>(std::max(0, info.srWindow.Right - info.srWindow.Left + 1));
+  return static_cast<std::size_t>(std::max(1, info.srWindow.Right - info.srWindow.Left));
 }
 
 std::string WriteStandardOutput(const std::string& text) { return Problem(WriteStandard(STD_OUTPUT_HANDLE, text)); }
@@ -72,11 +94,10 @@ void WriteStandardError(const std::string& text) { WriteStandard(STD_ERROR_HANDL
 
 std::string WriteFileWhole(const std::string& path, const std::string& text) {
   const std::wstring target = WideFromUtf8(path);
-  const std::wstring draft = target + L"." + std::to_wstring(GetCurrentProcessId()) + L".tmp";
-  DWORD error = WriteNewFile(draft, text);
-  if (error == ERROR_SUCCESS && !MoveFileExW(draft.c_str(), target.c_str(), MOVEFILE_REPLACE_EXISTING))
-    error = GetLastError();
-  if (error != ERROR_SUCCESS) DeleteFileW(draft.c_str());
+  const HANDLE device = OpenDevice(target);
+  if (device == INVALID_HANDLE_VALUE) return Problem(WriteAsideAndReplace(target, text));
+  const DWORD error = WriteBytes(device, text);
+  CloseHandle(device);
   return Problem(error);
 }
 

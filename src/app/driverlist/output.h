@@ -7,7 +7,8 @@
 
 namespace driverlist {
 
-/// Characters of a line of the terminal behind standard output; 0 when there is none.
+/// Characters that fit a line of the terminal behind standard output, less one: a full line would be followed by an empty one on
+/// some. 0 when there is no terminal.
 std::size_t TerminalWidth();
 
 /// Writes `text` to standard output. Returns an empty text, or what went wrong.
@@ -16,8 +17,8 @@ std::string WriteStandardOutput(const std::string& text);
 /// Writes `text` to standard error; there is nowhere to tell that it failed.
 void WriteStandardError(const std::string& text);
 
-/// Makes `text` the content of the file at `path` (UTF-8): whole, or not at all, in which case a former file stays as it is.
-/// Returns an empty text, or what went wrong.
+/// Makes `text` the content of the file at `path` (UTF-8): whole, or not at all, in which case a former file stays as it is. A
+/// device, such as NUL, just gets it. Returns an empty text, or what went wrong.
 std::string WriteFileWhole(const std::string& path, const std::string& text);
 
 }  // namespace driverlist
