@@ -4,12 +4,15 @@
 #include <type_traits>
 
 #include "driverinfo.h"
+#include "importhook.h"
 #include "logcapture.h"
 #include "records.h"
 
 using Orvane::DriverData;
 using Orvane::DriverInfo;
 using Orvane::DriverInfoSetType;
+using testing::ElementsAre;
+using testing::IsEmpty;
 
 namespace {
 
@@ -32,8 +35,8 @@ TEST(DriverInfo, DoesNothingForAnUnknownMode) {
   for (const int mode : {3, -1, 0x7FFFFFFF, -0x7FFFFFFF - 1}) {
     EXPECT_EQ(info.list_drivers(drivers, static_cast<DriverInfoSetType>(mode)), 0);
   }
-  EXPECT_THAT(test::Described(drivers), testing::ElementsAre("name=mine.sys; found_by_device=0"));
-  EXPECT_THAT(log.Take(), testing::IsEmpty());
+  EXPECT_THAT(test::Described(drivers), ElementsAre("name=mine.sys; found_by_device=0"));
+  EXPECT_THAT(log.Take(), IsEmpty());
 }
 
 void* Implementation(const DriverInfo& info) { return *reinterpret_cast<void* const*>(&info); }
@@ -46,19 +49,62 @@ TEST(DriverInfo, SharesTheImplementationWhenAssigned) {
   EXPECT_EQ(Implementation(*first), Implementation(*second));
 }
 
-TEST(DriverInfo, OutlivesTheObjectThatItWasAssignedFrom) {
-  DriverInfo survivor;
-  {
-    DriverInfo other;
-    survivor = other;
-    DriverInfo third;
-    third = survivor;
+void Free(void*, std::size_t) {}
+
+/// The addresses that the library frees while it lives. Its operator delete is the run-time library's, by the name that the
+/// compiler gives it.
+struct Freed {
+  std::vector<void*> addresses;
+  test::ImportHook<&Free> hook{GetModuleHandleA("driverinfo.dll"), "_ZdlPvy", [this](void* address, std::size_t size) {
+                                 addresses.push_back(address);
+                                 hook.Real(address, size);
+                               }};
+};
+
+#ifdef __MINGW32__
+constexpr bool FreesThroughTheRunTimeLibrary = true;
+#else
+constexpr bool FreesThroughTheRunTimeLibrary = false;
+#endif
+
+class DriverInfoMemory : public testing::Test {
+ protected:
+  void SetUp() override {
+    if (!FreesThroughTheRunTimeLibrary) GTEST_SKIP() << "each module frees by a function of its own";
   }
+};
+
+TEST_F(DriverInfoMemory, IsFreedWithTheObject) {
+  auto info = std::make_unique<DriverInfo>();
+  void* const implementation = Implementation(*info);
+  const Freed freed;
+  info.reset();
+  EXPECT_THAT(freed.addresses, ElementsAre(implementation));
+}
+
+TEST_F(DriverInfoMemory, IsFreedOnceWithTheLastObjectThatSharesIt) {
+  auto first = std::make_unique<DriverInfo>();
+  auto second = std::make_unique<DriverInfo>();
+  auto third = std::make_unique<DriverInfo>();
+  *second = *first;
+  *third = *second;
+  void* const implementation = Implementation(*first);
+  const Freed freed;
+  first.reset();
+  third.reset();
+  EXPECT_THAT(freed.addresses, IsEmpty());
   std::vector<DriverData> drivers;
-  EXPECT_EQ(survivor.list_drivers(drivers, static_cast<DriverInfoSetType>(3)), 0);
-  // A freed implementation would be handed out again.
-  const DriverInfo fresh;
-  EXPECT_NE(Implementation(fresh), Implementation(survivor));
+  EXPECT_EQ(second->list_drivers(drivers, static_cast<DriverInfoSetType>(3)), 0);
+  second.reset();
+  EXPECT_THAT(freed.addresses, ElementsAre(implementation));
+}
+
+TEST_F(DriverInfoMemory, OfAnObjectThatIsAssignedAnotherStaysAllocated) {
+  const DriverInfo first;
+  DriverInfo second;
+  const Freed freed;
+  second = first;
+  EXPECT_THAT(freed.addresses, IsEmpty());
 }
 
 TEST(DriverInfo, CanBeAssignedToItself) {

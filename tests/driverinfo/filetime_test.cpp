@@ -9,12 +9,11 @@
 
 using namespace Orvane;
 using test::LogLine;
+using test::ThisProgram;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
 namespace {
-
-HMODULE ThisProgram() { return GetModuleHandleA(nullptr); }
 
 FILETIME Utc(WORD year, WORD month, WORD day, WORD hour = 0, WORD minute = 0, WORD second = 0) {
   const SYSTEMTIME time = {year, month, 0, day, hour, minute, second, 0};

@@ -9,11 +9,10 @@
 using namespace Orvane;
 using test::ScratchFile;
 using test::SystemDirectory;
+using test::ThisProgram;
 using testing::ElementsAre;
 
 namespace {
-
-HMODULE ThisProgram() { return GetModuleHandleA(nullptr); }
 
 TEST(ServiceNames, NameEveryStateAndNothingElse) {
   std::vector<std::string> names;

@@ -17,12 +17,11 @@ using namespace Orvane;
 using test::Described;
 using test::LogLine;
 using test::ScratchFile;
+using test::ThisProgram;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
 namespace {
-
-HMODULE ThisProgram() { return GetModuleHandleA(nullptr); }
 
 std::string TemporaryPath(const std::string& file) {
   char folder[MAX_PATH];

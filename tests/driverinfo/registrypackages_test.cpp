@@ -12,6 +12,7 @@ using test::Described;
 using test::LogLine;
 using test::RegistryKey;
 using test::RegistryValue;
+using test::ThisProgram;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -20,8 +21,6 @@ namespace {
 constexpr char IntelKey[] = "SOFTWARE\\Intel\\InfInst";
 constexpr char AmdKey[] = "SOFTWARE\\WOW6432Node\\AMD\\AMD_Chipset_Drivers";
 constexpr char PshedKey[] = "SOFTWARE\\WOW6432Node\\AMD\\AMD EPYC SP3 PSHED Plug-in Driver";
-
-HMODULE ThisProgram() { return GetModuleHandleA(nullptr); }
 
 class RegistryPackages : public test::ScratchMachine {
  protected:

@@ -11,11 +11,10 @@
 using namespace Orvane;
 using test::LogLine;
 using test::ScratchFile;
+using test::ThisProgram;
 using testing::ElementsAre;
 
 namespace {
-
-HMODULE ThisProgram() { return GetModuleHandleA(nullptr); }
 
 std::string Image(const std::wstring& name) { return test::ProgramFile(L"images\\" + name); }
 

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "driverinfo.h"
-#include "logcapture.h"
+#include "expectedlines.h"
 #include "records.h"
 #include "scratchmachine.h"
 #include "scriptedpciinfo.h"
@@ -55,13 +55,7 @@ inline std::string NoDriverRecord(const std::string& name, const std::string& de
          "; file_version=N/A; found_by_device=1";
 }
 
-const LogLine FromCache{4, "Get data from cache."};
-const LogLine NoIntel{1, "Failed to open SOFTWARE\\Intel\\InfInst\\ in HKEY_LOCAL_MACHINE"};
-const LogLine NoAmd{1, "Failed to open SOFTWARE\\WOW6432Node\\AMD\\AMD_Chipset_Drivers\\ in HKEY_LOCAL_MACHINE"};
-const LogLine NoPshed{
-    1, "Failed to open SOFTWARE\\WOW6432Node\\AMD\\AMD EPYC SP3 PSHED Plug-in Driver\\ in HKEY_LOCAL_MACHINE"};
 const LogLine StartDevices{4, "Start list exist device driver files."};
-const LogLine StartServices{4, "Start to list registered driver files."};
 const LogLine StartOem{4, "Start to list driver files from OemInf."};
 
 inline LogLine Before(int count) { return {4, "driverlist size before erase unique:" + std::to_string(count)}; }

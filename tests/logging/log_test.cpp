@@ -3,6 +3,9 @@
 #include <gmock/gmock.h>
 #include <windows.h>
 
+#include <atomic>
+#include <chrono>
+#include <memory>
 #include <stdexcept>
 #include <thread>
 
@@ -211,6 +214,27 @@ TEST(Log, ChangesSinksWhileThreadsLog) {
   thread.join();
 }
 
+TEST(Log, LeavesTheHostsFunctionAloneOnceAnotherSinkIsChosen) {
+  for (int round = 0; round < 20; ++round) {
+    std::atomic<int> calls{0};
+    std::atomic<bool> isGone{false};
+    std::atomic<int> lateCalls{0};
+    Orvane::LogToFunction([&](int, const char*, int, const std::string&) {
+      ++calls;
+      std::this_thread::sleep_for(std::chrono::milliseconds(1));
+      if (isGone) ++lateCalls;
+    });
+    std::thread thread([&] {
+      while (!isGone) Write(1, "text");
+    });
+    while (calls == 0) std::this_thread::yield();
+    Orvane::LogToNothing();
+    isGone = true;
+    thread.join();
+    EXPECT_EQ(lateCalls, 0);
+  }
+}
+
 TEST_F(LogFile, HoldsTimeLevelPlaceAndText) {
   ASSERT_TRUE(Orvane::LogToFile(folder.Path(L"log.txt"), 1 << 20, 3));
   for (int level = 1; level <= 4; ++level) Write(level, "text " + std::to_string(level));
@@ -265,6 +289,24 @@ TEST_F(LogFile, ThatCannotBeOpenedLeavesTheFormerSink) {
   EXPECT_FALSE(Orvane::LogToFile(folder.Path(L"log.txt"), 0, 3));
   Write(1, "text");
   EXPECT_THAT(log.Take(), ElementsAre(LogLine{1, "text"}));
+}
+
+TEST_F(LogFile, ThatCannotBeWrittenLosesTheLineAndTellsNoConsole) {
+  ASSERT_TRUE(Orvane::LogToFile(folder.Path(L"log.txt"), 1 << 20, 3));
+  int writes = 0;
+  int writesToConsole = 0;
+  const auto refuse = [&](HANDLE file, auto&&...) {
+    ++writes;
+    if (file == GetStdHandle(STD_ERROR_HANDLE) || file == GetStdHandle(STD_OUTPUT_HANDLE)) ++writesToConsole;
+    SetLastError(ERROR_DISK_FULL);
+    return FALSE;
+  };
+  {
+    HOOK(write, GetModuleHandleA("msvcrt.dll"), WriteFile, refuse);
+    EXPECT_NO_THROW(Write(1, "lost"));
+  }
+  EXPECT_GT(writes, 0);
+  EXPECT_EQ(writesToConsole, 0);
 }
 
 TEST(LogToDebugger, WritesALineToTheDebugger) {

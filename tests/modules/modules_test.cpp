@@ -14,6 +14,7 @@ namespace {
 using testing::Contains;
 using testing::ElementsAre;
 using testing::Not;
+using testing::UnorderedElementsAreArray;
 
 /// A DLL or program of the project, mapped as Windows would run it, without running it.
 class Module {
@@ -51,6 +52,20 @@ class Module {
       std::string name = At<char>(dll->Name);
       CharLowerA(name.data());
       names.push_back(name);
+    }
+    return names;
+  }
+
+  /// Names of the functions that it takes from `dll`, by the names that the compiler gives them.
+  std::vector<std::string> Imports(const std::string& dll) const {
+    std::vector<std::string> names;
+    const auto* import =
+        At<IMAGE_IMPORT_DESCRIPTOR>(Header().DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT].VirtualAddress);
+    for (; import->Name != 0; ++import) {
+      if (dll != At<char>(import->Name)) continue;
+      for (const auto* slot = At<IMAGE_THUNK_DATA>(import->OriginalFirstThunk); slot->u1.AddressOfData != 0; ++slot) {
+        names.emplace_back(At<IMAGE_IMPORT_BY_NAME>(static_cast<DWORD>(slot->u1.AddressOfData))->Name);
+      }
     }
     return names;
   }
@@ -97,6 +112,14 @@ TEST(Modules, ShareTheCppRunTimeLibrary) {
     const auto modules = Module(file).ImportedModules();
     EXPECT_THAT(modules, Contains("libstdc++-6.dll")) << file;
     EXPECT_THAT(modules, Contains("libgcc_s_seh-1.dll")) << file;
+  }
+}
+
+// Any module with these exports can stand in the place of the log.
+TEST(Modules, NeedThreeMembersOfTheLog) {
+  for (const char* const file : {"driverinfo.dll", "pciinfo.dll"}) {
+    EXPECT_THAT(Module(file).Imports("logging.dll"), UnorderedElementsAreArray(LinesOf("expected/log.imports.txt")))
+        << file;
   }
 }
 #endif

@@ -13,6 +13,9 @@ namespace test {
 /// when the module does not import it: a hook that never comes to bear would show nothing.
 void** ImportSlot(HMODULE module, const char* function);
 
+/// The program that runs, as a module whose imports can be hooked.
+inline HMODULE ThisProgram() { return GetModuleHandleA(nullptr); }
+
 /// Puts `value` into an import slot and returns what stood there.
 void* ReplaceSlot(void** slot, void* value);
 

@@ -6,16 +6,14 @@
 
 namespace {
 
-HMODULE ThisProgram() { return GetModuleHandleA(nullptr); }
-
 TEST(ImportHook, AnswersInsteadOfThePlatform) {
-  HOOK(hook, ThisProgram(), GetCurrentProcessId, [] { return DWORD{42}; });
+  HOOK(hook, test::ThisProgram(), GetCurrentProcessId, [] { return DWORD{42}; });
   EXPECT_EQ(ProcessId(), 42u);
 }
 
 TEST(ImportHook, SeesTheArgumentsAndForwards) {
   std::string seen;
-  HOOK(hook, ThisProgram(), GetModuleHandleA, [&](const char* name) {
+  HOOK(hook, test::ThisProgram(), GetModuleHandleA, [&](const char* name) {
     seen = name;
     return hook.Real("kernel32.dll");
   });
@@ -26,15 +24,15 @@ TEST(ImportHook, SeesTheArgumentsAndForwards) {
 TEST(ImportHook, EndsWithItsLife) {
   const DWORD real = ProcessId();
   {
-    HOOK(hook, ThisProgram(), GetCurrentProcessId, [] { return DWORD{42}; });
+    HOOK(hook, test::ThisProgram(), GetCurrentProcessId, [] { return DWORD{42}; });
   }
   EXPECT_EQ(ProcessId(), real);
 }
 
 TEST(ImportHook, Nests) {
-  HOOK(outer, ThisProgram(), GetCurrentProcessId, [] { return DWORD{1}; });
+  HOOK(outer, test::ThisProgram(), GetCurrentProcessId, [] { return DWORD{1}; });
   {
-    HOOK(inner, ThisProgram(), GetCurrentProcessId, [&] { return inner.Real() + 1; });
+    HOOK(inner, test::ThisProgram(), GetCurrentProcessId, [&] { return inner.Real() + 1; });
     EXPECT_EQ(ProcessId(), 2u);
   }
   EXPECT_EQ(ProcessId(), 1u);
@@ -47,7 +45,7 @@ TEST(ImportHook, LeavesOtherModulesAlone) {
 }
 
 TEST(ImportHook, RefusesAFunctionThatTheModuleDoesNotImport) {
-  EXPECT_THROW(test::ImportSlot(ThisProgram(), "RegisterEventSourceA"), std::runtime_error);
+  EXPECT_THROW(test::ImportSlot(test::ThisProgram(), "RegisterEventSourceA"), std::runtime_error);
 }
 
 }  // namespace
