@@ -1,5 +1,8 @@
 // What Windows does to the service listing.
 #include <cstring>
+#include <functional>
+#include <new>
+#include <utility>
 
 #include "servicelisting.h"
 
@@ -142,16 +145,38 @@ TEST_F(ServiceListing, TakesWhatItGotWhenADriverIsRegisteredBetweenTheCalls) {
   EXPECT_THAT(NamesAndPaths(), ElementsAre("OiA.sys " + DriverPath("OiA.sys")));
 }
 
+/// Changes what the enumeration of services gave: its entries and their count.
+struct ChangedEntries {
+  explicit ChangedEntries(std::function<void(Entries*, DWORD&)> changeEntries) : change(std::move(changeEntries)) {}
+
+  std::function<void(Entries*, DWORD&)> change;
+  HOOK(enumerate, Library(), EnumServicesStatusA,
+       [this](SC_HANDLE manager, DWORD type, DWORD state, Entries* entries, DWORD size, DWORD* needed, DWORD* returned,
+              DWORD* resume) {
+         const BOOL result = enumerate.Real(manager, type, state, entries, size, needed, returned, resume);
+         if (entries != nullptr) change(entries, *returned);
+         return result;
+       });
+};
+
+/// Changes the configuration of a service, which stands in a buffer of `size` bytes.
+struct ChangedConfiguration {
+  using Change = std::function<void(QUERY_SERVICE_CONFIGA*, DWORD size)>;
+  explicit ChangedConfiguration(Change changeConfiguration) : change(std::move(changeConfiguration)) {}
+
+  Change change;
+  HOOK(query, Library(), QueryServiceConfigA,
+       [this](SC_HANDLE handle, QUERY_SERVICE_CONFIGA* config, DWORD size, DWORD* needed) {
+         const BOOL result = query.Real(handle, config, size, needed);
+         change(config, size);
+         return result;
+       });
+};
+
 TEST_F(ServiceListing, ReadsNoMoreEntriesThanFitTheBuffer) {
   const ScratchFile image(DriverPath("OiA.sys"), 1);
   const DriverService service("OiA", "OiA.sys");
-  HOOK(enumerate, Library(), EnumServicesStatusA,
-       [&](SC_HANDLE manager, DWORD type, DWORD state, Entries* entries, DWORD size, DWORD* needed, DWORD* returned,
-           DWORD* resume) {
-         const BOOL result = enumerate.Real(manager, type, state, entries, size, needed, returned, resume);
-         if (entries != nullptr) *returned = 0xFFFFFFFF;
-         return result;
-       });
+  const ChangedEntries changed([](Entries*, DWORD& count) { count = 0xFFFFFFFF; });
   // One entry, and a name behind it that no second entry fits into.
   EXPECT_THAT(NamesAndPaths(), ElementsAre("OiA.sys " + DriverPath("OiA.sys")));
 }
@@ -159,19 +184,8 @@ TEST_F(ServiceListing, ReadsNoMoreEntriesThanFitTheBuffer) {
 TEST_F(ServiceListing, HasNoNameForAStateOrStartTypeThatIsNone) {
   const ScratchFile image(DriverPath("Oi.sys"), 1);
   const DriverService service("Oi", "Oi.sys");
-  HOOK(enumerate, Library(), EnumServicesStatusA,
-       [&](SC_HANDLE manager, DWORD type, DWORD state, Entries* entries, DWORD size, DWORD* needed, DWORD* returned,
-           DWORD* resume) {
-         const BOOL result = enumerate.Real(manager, type, state, entries, size, needed, returned, resume);
-         if (entries != nullptr) entries[0].ServiceStatus.dwCurrentState = 8;
-         return result;
-       });
-  HOOK(query, Library(), QueryServiceConfigA,
-       [&](SC_HANDLE handle, QUERY_SERVICE_CONFIGA* config, DWORD size, DWORD* needed) {
-         const BOOL result = query.Real(handle, config, size, needed);
-         config->dwStartType = 0xFFFFFFFF;
-         return result;
-       });
+  const ChangedEntries changedEntries([](Entries* entries, DWORD&) { entries[0].ServiceStatus.dwCurrentState = 8; });
+  const ChangedConfiguration changed([](QUERY_SERVICE_CONFIGA* config, DWORD) { config->dwStartType = 0xFFFFFFFF; });
   EXPECT_THAT(List(), ElementsAre("name=Oi.sys; path=" + DriverPath("Oi.sys") +
                                   "; date=06/21/2006 13:05:09; size=0; found_by_device=0"));
 }
@@ -179,27 +193,18 @@ TEST_F(ServiceListing, HasNoNameForAStateOrStartTypeThatIsNone) {
 TEST_F(ServiceListing, TakesTheStateOfTheEnumeration) {
   const ScratchFile image(DriverPath("Oi.sys"), 1);
   const DriverService service("Oi", "Oi.sys");
-  HOOK(enumerate, Library(), EnumServicesStatusA,
-       [&](SC_HANDLE manager, DWORD type, DWORD state, Entries* entries, DWORD size, DWORD* needed, DWORD* returned,
-           DWORD* resume) {
-         const BOOL result = enumerate.Real(manager, type, state, entries, size, needed, returned, resume);
-         if (entries != nullptr) entries[0].ServiceStatus.dwCurrentState = SERVICE_RUNNING;
-         return result;
-       });
-  const std::vector<DriverData> drivers = Records();
-  EXPECT_EQ(drivers.at(0).state, "Running");
+  const ChangedEntries changed(
+      [](Entries* entries, DWORD&) { entries[0].ServiceStatus.dwCurrentState = SERVICE_RUNNING; });
+  EXPECT_EQ(Records().at(0).state, "Running");
 }
 
 TEST_F(ServiceListing, BoundsAConfiguredPathByItsBuffer) {
   const DriverService service("Oi", "Oi.sys");
-  HOOK(query, Library(), QueryServiceConfigA,
-       [&](SC_HANDLE handle, QUERY_SERVICE_CONFIGA* config, DWORD size, DWORD* needed) {
-         const BOOL result = query.Real(handle, config, size, needed);
-         char* const end = reinterpret_cast<char*>(config) + size;
-         config->lpBinaryPathName = end - 5;
-         std::memcpy(end - 5, "x.sys", 5);
-         return result;
-       });
+  const ChangedConfiguration changed([](QUERY_SERVICE_CONFIGA* config, DWORD size) {
+    char* const end = reinterpret_cast<char*>(config) + size;
+    config->lpBinaryPathName = end - 5;
+    std::memcpy(end - 5, "x.sys", 5);
+  });
   EXPECT_THAT(List(), IsEmpty());
   EXPECT_THAT(log.Take(), ElementsAre(StartServices, ImageNotFound("\\SystemRoot\\system32\\drivers\\x.sys"), NoIntel,
                                       NoAmd, NoPshed));
@@ -208,12 +213,7 @@ TEST_F(ServiceListing, BoundsAConfiguredPathByItsBuffer) {
 TEST_F(ServiceListing, TakesAMissingConfiguredPathForAnEmptyOne) {
   const ScratchFile image(DriverPath("Oi.sys"), 1);
   const DriverService service("Oi", "Oi.sys");
-  HOOK(query, Library(), QueryServiceConfigA,
-       [&](SC_HANDLE handle, QUERY_SERVICE_CONFIGA* config, DWORD size, DWORD* needed) {
-         const BOOL result = query.Real(handle, config, size, needed);
-         config->lpBinaryPathName = nullptr;
-         return result;
-       });
+  const ChangedConfiguration changed([](QUERY_SERVICE_CONFIGA* config, DWORD) { config->lpBinaryPathName = nullptr; });
   EXPECT_THAT(NamesAndPaths(), ElementsAre("Oi.sys " + DriverPath("Oi.sys")));
 }
 
