@@ -44,6 +44,7 @@
 #pragma warning(disable : 4251)
 #endif
 
+/// Everything of the modules that a host sees.
 namespace Orvane {
 
 /// One driver of the machine.
@@ -106,9 +107,11 @@ struct DRIVERINFO_API DriverData {
 
   /// Every text empty, found_by_device 0.
   DriverData();
+  /// Copies every field.
   DriverData(const DriverData& other);
   /// Leaves the texts and the list of `other` empty.
   DriverData(DriverData&& other) noexcept;
+  /// Copies every field.
   DriverData& operator=(const DriverData& other);
   /// Leaves the texts and the list of `other` empty; assigning a record to itself leaves it as it is.
   DriverData& operator=(DriverData&& other) noexcept;
@@ -129,19 +132,28 @@ DRIVERINFO_API bool operator<(const DriverData& a, const DriverData& b);
 
 /// A record for hosts that build and sort lists of their own; no listing uses it, and what its texts mean is the host's.
 struct DRIVERINFO_API DriverDataPre {
+  /// The host's.
   std::string text1;
+  /// The host's.
   std::string text2;
   /// What DriverDataPreComp orders by.
   std::string sort_key;
+  /// The host's.
   std::string text4;
+  /// The host's.
   std::string text5;
+  /// The host's.
   std::string text6;
+  /// The host's.
   std::vector<std::string> items;
 
+  /// Every text and the list empty.
   DriverDataPre();
+  /// Copies every field.
   DriverDataPre(const DriverDataPre& other);
   /// Leaves the texts and the list of `other` empty.
   DriverDataPre(DriverDataPre&& other) noexcept;
+  /// Copies every field.
   DriverDataPre& operator=(const DriverDataPre& other);
   /// Leaves the texts and the list of `other` empty; assigning a record to itself leaves it as it is.
   DriverDataPre& operator=(DriverDataPre&& other) noexcept;
@@ -152,10 +164,12 @@ struct DRIVERINFO_API DriverDataPre {
 class DRIVERINFO_API DriverDataPreComp {
  public:
   DriverDataPreComp() = default;
+  /// Does nothing: the comparator has no state.
   DriverDataPreComp(const DriverDataPreComp&) = default;
   /// Does nothing: the comparator has no state.
   DriverDataPreComp& operator=(const DriverDataPreComp& other);
 
+  /// Whether `a` comes before `b`.
   bool operator()(const DriverDataPre& a, const DriverDataPre& b) const;
 };
 
