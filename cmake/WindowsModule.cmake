@@ -44,3 +44,15 @@ if(MINGW)
     list(APPEND runtime_dlls "${PROJECT_BINARY_DIR}/bin/${dll}")
   endforeach()
 endif()
+
+# copies_beside(<target> <folder> <module>...): puts copies of the modules, as they were built, and what they need into the folder
+# before the target is built, whose program stands there and takes some modules of its own.
+function(copies_beside target folder)
+  set(copies ${target}_copies)
+  list(TRANSFORM ARGN REPLACE "(.+)" "$<TARGET_FILE:\\1>" OUTPUT_VARIABLE files)
+  add_custom_target(${copies}
+    COMMAND ${CMAKE_COMMAND} -E make_directory ${folder}
+    COMMAND ${CMAKE_COMMAND} -E copy_if_different ${files} ${runtime_dlls} ${folder})
+  add_dependencies(${copies} ${ARGN})
+  add_dependencies(${target} ${copies})
+endfunction()
