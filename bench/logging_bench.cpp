@@ -13,7 +13,7 @@ void WriteLine(const std::string& name) {
 void LineWithoutSink(benchmark::State& state) {
   Orvane::LogToNothing();
   const std::string name = "acpi.sys";
-  for (auto iteration : state) WriteLine(name);
+  for ([[maybe_unused]] auto iteration : state) WriteLine(name);
 }
 BENCHMARK(LineWithoutSink);
 
@@ -21,7 +21,7 @@ void LineAboveTheLevel(benchmark::State& state) {
   Orvane::LogToFunction([](int, const char*, int, const std::string& text) { benchmark::DoNotOptimize(text.data()); });
   Orvane::SetLogLevel(3);
   const std::string name = "acpi.sys";
-  for (auto iteration : state) WriteLine(name);
+  for ([[maybe_unused]] auto iteration : state) WriteLine(name);
   Orvane::LogToNothing();
 }
 BENCHMARK(LineAboveTheLevel);
@@ -30,7 +30,7 @@ void LineToAFunction(benchmark::State& state) {
   Orvane::LogToFunction([](int, const char*, int, const std::string& text) { benchmark::DoNotOptimize(text.data()); });
   Orvane::SetLogLevel(4);
   const std::string name = "acpi.sys";
-  for (auto iteration : state) WriteLine(name);
+  for ([[maybe_unused]] auto iteration : state) WriteLine(name);
   Orvane::LogToNothing();
 }
 BENCHMARK(LineToAFunction);

@@ -1,6 +1,9 @@
 #include <gmock/gmock.h>
 #include <time.h>
 
+#include <cstdio>
+#include <ctime>
+
 #include "importhook.h"
 #include "locales.h"
 #include "logcapture.h"

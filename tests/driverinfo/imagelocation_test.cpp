@@ -1,5 +1,7 @@
 #include <gmock/gmock.h>
 
+#include <algorithm>
+
 #include "importhook.h"
 #include "locales.h"
 #include "redirection.h"

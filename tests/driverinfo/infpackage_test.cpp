@@ -13,6 +13,11 @@
 #include "records.h"
 #include "scratchmachine.h"
 
+#if defined(_MSC_VER)
+// GetVersionExA is deprecated, but what the library asks.
+#pragma warning(disable : 4996)
+#endif
+
 using namespace Orvane;
 using test::Described;
 using test::LogLine;

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <windows.h>
 
+#include <iterator>
 #include <nlohmann/json.hpp>
 
 #include "unicode.h"

@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 #include <windows.h>
 
+#include <memory>
 #include <nlohmann/json.hpp>
 
 #include "program.h"

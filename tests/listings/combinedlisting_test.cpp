@@ -1,4 +1,6 @@
 
+#include <algorithm>
+
 #include "listings.h"
 #include "locales.h"
 

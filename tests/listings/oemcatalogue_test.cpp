@@ -1,4 +1,7 @@
 // The OEM packages of the inf directory, which only the combined listing lists.
+#include <algorithm>
+#include <memory>
+
 #include "importhook.h"
 #include "listings.h"
 

@@ -40,6 +40,15 @@ class LogFile : public testing::Test {
   test::TemporaryFolder folder;
 };
 
+/// The C run-time library of this build.
+#if defined(_MSC_VER) && defined(_DEBUG)
+constexpr char RunTimeLibrary[] = "ucrtbased.dll";
+#elif defined(_MSC_VER)
+constexpr char RunTimeLibrary[] = "ucrtbase.dll";
+#else
+constexpr char RunTimeLibrary[] = "msvcrt.dll";
+#endif
+
 constexpr char TimePattern[] = "\\[\\d\\d\\d\\d-\\d\\d-\\d\\d \\d\\d:\\d\\d:\\d\\d\\.\\d\\d\\d\\] ";
 
 TEST(Log, IsWrittenNowhereByDefault) {
@@ -50,7 +59,7 @@ TEST(Log, IsWrittenNowhereByDefault) {
   };
   // Standard error is written by the module itself, a file by the C run-time library.
   HOOK(write, GetModuleHandleA("logging.dll"), WriteFile, count);
-  HOOK(writeOfC, GetModuleHandleA("msvcrt.dll"), WriteFile, count);
+  HOOK(writeOfC, GetModuleHandleA(RunTimeLibrary), WriteFile, count);
   HOOK(output, GetModuleHandleA("logging.dll"), OutputDebugStringA, [&](const char*) { ++writes; });
   for (int level = 0; level < 6; ++level) Write(level, "text");
   EXPECT_EQ(writes, 0);
@@ -302,7 +311,7 @@ TEST_F(LogFile, ThatCannotBeWrittenLosesTheLineAndTellsNoConsole) {
     return FALSE;
   };
   {
-    HOOK(write, GetModuleHandleA("msvcrt.dll"), WriteFile, refuse);
+    HOOK(write, GetModuleHandleA(RunTimeLibrary), WriteFile, refuse);
     EXPECT_NO_THROW(Write(1, "lost"));
   }
   EXPECT_GT(writes, 0);

@@ -11,6 +11,7 @@
 
 namespace {
 
+using testing::AnyOf;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::Not;
@@ -91,7 +92,7 @@ class Module {
   HMODULE m_module;
 };
 
-std::vector<std::string> LinesOf(const std::string& path) {
+[[maybe_unused]] std::vector<std::string> LinesOf(const std::string& path) {
   std::ifstream file(path);
   EXPECT_TRUE(file) << path;
   std::vector<std::string> lines;
@@ -99,30 +100,36 @@ std::vector<std::string> LinesOf(const std::string& path) {
   return lines;
 }
 
-#ifdef __MINGW32__
-// Another compiler decorates names in its own way. The lists stand in the repository, so that a change of the interface is seen.
+// The lists stand in the repository, so that a change of the interface is seen.
 TEST(Modules, ExportTheirInterfaceAndNothingElse) {
+#ifdef __MINGW32__
   for (const std::string name : {"driverinfo", "logging", "pciinfo"}) {
     EXPECT_EQ(Module(name + ".dll").Exports(), LinesOf("expected/" + name + ".exports.txt")) << name;
   }
+#else
+  GTEST_SKIP() << "the lists hold names as GCC decorates them";
+#endif
 }
 
 TEST(Modules, ShareTheCppRunTimeLibrary) {
   for (const char* const file : {"driverinfo.dll", "logging.dll", "driverlist.exe"}) {
     const auto modules = Module(file).ImportedModules();
-    EXPECT_THAT(modules, Contains("libstdc++-6.dll")) << file;
-    EXPECT_THAT(modules, Contains("libgcc_s_seh-1.dll")) << file;
+    EXPECT_THAT(modules, Contains(AnyOf("libstdc++-6.dll", "msvcp140.dll", "msvcp140d.dll"))) << file;
+    EXPECT_THAT(modules, Contains(AnyOf("libgcc_s_seh-1.dll", "vcruntime140.dll", "vcruntime140d.dll"))) << file;
   }
 }
 
 // Any module with these exports can stand in the place of the log.
 TEST(Modules, NeedThreeMembersOfTheLog) {
+#ifdef __MINGW32__
   for (const char* const file : {"driverinfo.dll", "pciinfo.dll"}) {
     EXPECT_THAT(Module(file).Imports("logging.dll"), UnorderedElementsAreArray(LinesOf("expected/log.imports.txt")))
         << file;
   }
-}
+#else
+  GTEST_SKIP() << "the list holds names as GCC decorates them";
 #endif
+}
 
 TEST(Modules, ExportTheDeviceInventoryByItsPlainName) {
   EXPECT_THAT(Module("pciinfo.dll").Exports(), ElementsAre("GetPciInfo"));

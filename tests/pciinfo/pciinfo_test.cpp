@@ -7,6 +7,7 @@
 #include <setupapi.h>
 
 #include <algorithm>
+#include <iterator>
 
 #include "importhook.h"
 #include "logcapture.h"
