@@ -23,10 +23,10 @@ std::string WithBackslashes(std::string path) {
 
 DriverData Record(const nlohmann::json& json) {
   DriverData driver;
-  driver.name = json.at("name");
-  driver.description = json.at("description");
-  driver.provider = json.at("provider");
-  driver.file_version = json.at("file_version");
+  driver.name = json.at("name").get<std::string>();
+  driver.description = json.at("description").get<std::string>();
+  driver.provider = json.at("provider").get<std::string>();
+  driver.file_version = json.at("file_version").get<std::string>();
   return driver;
 }
 
@@ -37,8 +37,8 @@ void AddOriginalName(const std::string& file, const nlohmann::json& expected, st
   if (!expected.at("original_query") || !test::IsWine()) return;
   DriverData package;
   package.name = file.substr(file.rfind('\\') + 1);
-  package.description = package.provider = expected.at("provider");
-  package.file_version = expected.at("version");
+  package.description = package.provider = expected.at("provider").get<std::string>();
+  package.file_version = expected.at("version").get<std::string>();
   lines.push_back({4, "add origin inf file:" + package.name});
   records.push_back(package);
 }
