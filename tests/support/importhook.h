@@ -5,7 +5,9 @@
 #include <windows.h>
 
 #include <functional>
+#include <string>
 #include <utility>
+#include <vector>
 
 namespace test {
 
@@ -15,6 +17,9 @@ void** ImportSlot(HMODULE module, const char* function);
 
 /// The program that runs, as a module whose imports can be hooked.
 inline HMODULE ThisProgram() { return GetModuleHandleA(nullptr); }
+
+/// The functions that `module` imports from `dll` by name, in the order of the import directory.
+std::vector<std::string> ImportedFunctions(HMODULE module, const char* dll);
 
 /// Puts `value` into an import slot and returns what stood there.
 void* ReplaceSlot(void** slot, void* value);

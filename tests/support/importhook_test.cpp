@@ -1,6 +1,6 @@
 #include "importhook.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <stdexcept>
 #include <string>
@@ -45,6 +45,12 @@ TEST(ImportHook, LeavesOtherModulesAlone) {
   HOOK(hook, LoadLibraryA("driverinfo.dll"), GetLastError, [] { return DWORD{42}; });
   SetLastError(7);
   EXPECT_EQ(GetLastError(), 7u);
+}
+
+TEST(ImportHook, ListsTheImportsFromOneDll) {
+  const std::vector<std::string> functions = test::ImportedFunctions(LoadLibraryA("driverinfo.dll"), "SetupApi.dll");
+  EXPECT_THAT(functions, testing::Contains("SetupOpenInfFileA"));
+  EXPECT_THAT(functions, testing::Each(testing::StartsWith("Setup")));
 }
 
 TEST(ImportHook, RefusesAFunctionThatTheModuleDoesNotImport) {

@@ -3,8 +3,10 @@
 #include <utility>
 
 namespace test {
+namespace {
 
-std::string Described(const Orvane::DriverData& driver) {
+/// In the order of the record, empty ones left out.
+std::vector<std::pair<std::string, std::string>> OrderedFields(const Orvane::DriverData& driver) {
   const std::pair<const char*, const std::string&> texts[] = {{"name", driver.name},
                                                               {"description", driver.description},
                                                               {"provider", driver.provider},
@@ -17,12 +19,30 @@ std::string Described(const Orvane::DriverData& driver) {
                                                               {"product_version", driver.product_version},
                                                               {"reserved1", driver.reserved1},
                                                               {"reserved2", driver.reserved2}};
-  std::string described;
+  std::vector<std::pair<std::string, std::string>> fields;
   for (const auto& [field, value] : texts) {
-    if (!value.empty()) described += std::string(field) + "=" + value + "; ";
+    if (!value.empty()) fields.emplace_back(field, value);
   }
-  for (const std::string& value : driver.reserved_list) described += "reserved_list=" + value + "; ";
-  return described + "found_by_device=" + std::to_string(driver.found_by_device);
+  for (const std::string& value : driver.reserved_list) fields.emplace_back("reserved_list", value);
+  fields.emplace_back("found_by_device", std::to_string(driver.found_by_device));
+  return fields;
+}
+
+}  // namespace
+
+Fields FieldsOf(const Orvane::DriverData& driver) {
+  Fields fields;
+  for (const auto& [field, value] : OrderedFields(driver)) fields[field] += value;
+  return fields;
+}
+
+std::string Described(const Orvane::DriverData& driver) {
+  std::string described;
+  for (const auto& [field, value] : OrderedFields(driver)) {
+    if (!described.empty()) described += "; ";
+    described += field + "=" + value;
+  }
+  return described;
 }
 
 std::vector<std::string> Described(const std::vector<Orvane::DriverData>& drivers) {
