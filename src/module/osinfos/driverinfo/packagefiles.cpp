@@ -268,7 +268,9 @@ void PackageFiles::ScanOemInfCatalogue(std::vector<DriverData>& drivers) {
       const std::string name = entry.path().filename().string();
       if (istarts_with(name, "oem") && iends_with(name, ".inf")) ReadInfPackage(entry.path().string(), drivers);
     }
-  } catch (const boost::system::system_error&) {
+  } catch (const boost::system::system_error& error) {
+    // Boost reports some allocations that fail so; they are the caller's to know.
+    if (error.code() == make_error_code(boost::system::errc::not_enough_memory)) throw std::bad_alloc();
     // A directory that cannot be walked, or a name outside the ANSI code page: what was found until then is the catalogue.
   }
   // Only a cache that holds something grows, and it is answered from above when it does: the catalogue is read afresh on every
