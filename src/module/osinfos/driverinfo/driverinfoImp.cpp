@@ -55,6 +55,8 @@ int DriverInfoImp::ListAllDrivers(std::vector<DriverData>& drivers) {
   ListDeviceDrivers(devices);
   ListRegisteredDrivers(drivers);
   ScanOemInfCatalogue(drivers);
+  // Room for all of them first: a record is dropped only when nothing can keep that of its device from taking its place.
+  drivers.reserve(drivers.size() + devices.size());
   EraseShadowed(devices, drivers);
   drivers.insert(drivers.end(), std::make_move_iterator(devices.begin()), std::make_move_iterator(devices.end()));
   SortAndRemoveDuplicates(drivers);
