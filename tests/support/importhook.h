@@ -24,6 +24,22 @@ std::vector<std::string> ImportedFunctions(HMODULE module, const char* dll);
 /// Puts `value` into an import slot and returns what stood there.
 void* ReplaceSlot(void** slot, void* value);
 
+/// How many handlers are running; what they call of the platform is no part of them. In a handler that was called by the program, not
+/// by another handler, it is 1.
+inline int runningHandlers = 0;
+
+/// Changes that number for its scope.
+class HandlerScope {
+ public:
+  explicit HandlerScope(int running) : m_former(std::exchange(runningHandlers, running)) {}
+  ~HandlerScope() { runningHandlers = m_former; }
+  HandlerScope(const HandlerScope&) = delete;
+  HandlerScope& operator=(const HandlerScope&) = delete;
+
+ private:
+  int m_former;
+};
+
 template <auto Function>
 class ImportHook;
 
@@ -47,12 +63,16 @@ class ImportHook<Function> {
 
   /// What the module would have called without this hook.
   Result Real(Arguments... arguments) const {
-    return m_outer != nullptr ? m_outer->m_handler(arguments...)
-                              : reinterpret_cast<decltype(Function)>(m_real)(arguments...);
+    if (m_outer != nullptr) return m_outer->m_handler(arguments...);
+    const HandlerScope scope(runningHandlers - 1);
+    return reinterpret_cast<decltype(Function)>(m_real)(arguments...);
   }
 
  private:
-  static Result Enter(Arguments... arguments) { return s_innermost->m_handler(arguments...); }
+  static Result Enter(Arguments... arguments) {
+    const HandlerScope scope(runningHandlers + 1);
+    return s_innermost->m_handler(arguments...);
+  }
 
   static inline ImportHook* s_innermost = nullptr;
 

@@ -24,18 +24,6 @@ using sweeps::Platform;
 using sweeps::Records;
 using sweeps::Sources;
 
-/// A module that stays loaded, to make the rest load faster.
-class Kept {
- public:
-  explicit Kept(const char* module) : m_module(LoadLibraryA(module)) {}
-  ~Kept() { FreeLibrary(m_module); }
-  Kept(const Kept&) = delete;
-  Kept& operator=(const Kept&) = delete;
-
- private:
-  HMODULE m_module;
-};
-
 /// One listing of a fresh library.
 struct Listing {
   int result;
@@ -142,8 +130,8 @@ class FaultSweep : public test::ScratchMachine {
     return records;
   }
 
-  const Kept m_inventory{"pciinfo.dll"};
-  const Kept m_logging{"logging.dll"};
+  const sweeps::KeptModule m_inventory{"pciinfo.dll"};
+  const sweeps::KeptModule m_logging{"logging.dll"};
   std::wstring m_machine;
   sweeps::Remembered m_remembered;
   Sources m_sources;

@@ -32,10 +32,4 @@ FreshLibrary::~FreshLibrary() {
 
 HMODULE Library() { return GetModuleHandleA("driverinfo.dll"); }
 
-std::vector<test::Fields> Listed(int mode) {
-  const FreshLibrary library;
-  library.Host().List(mode);
-  return library.Host().Records();
-}
-
 }  // namespace sweeps

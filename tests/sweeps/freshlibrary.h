@@ -22,18 +22,24 @@ class FreshLibrary {
 
   Guest& Host() const { return *m_guest; }
 
-  /// Deletes the guest, so that nothing of the library is in use, without unloading it.
-  void DeleteGuest() { m_guest.reset(); }
-
  private:
   HMODULE m_module;
   std::unique_ptr<Guest> m_guest;
 };
 
+/// A module that stays loaded, so that the library loads faster.
+class KeptModule {
+ public:
+  explicit KeptModule(const char* module) : m_module(LoadLibraryA(module)) {}
+  ~KeptModule() { FreeLibrary(m_module); }
+  KeptModule(const KeptModule&) = delete;
+  KeptModule& operator=(const KeptModule&) = delete;
+
+ private:
+  HMODULE m_module;
+};
+
 /// driverinfo.dll.
 HMODULE Library();
-
-/// What a fresh library lists.
-std::vector<test::Fields> Listed(int mode);
 
 }  // namespace sweeps

@@ -22,12 +22,15 @@ struct Platform {
   Remembered& remembered;
   /// Whether the machine has any devices.
   bool hasDevices = true;
+  /// Whether the inventory is asked every time.
+  bool asksInventory = false;
   ServicePlatform services;
   SetupPlatform setup;
   FilePlatform files;
 
   HOOK(inventory, Library(), GetPciInfo, [this](std::vector<Orvane::PciDeviceRecord>& devices) {
     if (!hasDevices) return;
+    if (asksInventory) return inventory.Real(devices);
     devices = remembered.Devices([this](std::vector<Orvane::PciDeviceRecord>& found) { inventory.Real(found); });
   });
 };
