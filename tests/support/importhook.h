@@ -24,8 +24,8 @@ std::vector<std::string> ImportedFunctions(HMODULE module, const char* dll);
 /// Puts `value` into an import slot and returns what stood there.
 void* ReplaceSlot(void** slot, void* value);
 
-/// How many handlers are running; what they call of the platform is no part of them. In a handler that was called by the program, not
-/// by another handler, it is 1.
+/// How many handlers are running; what they call of the platform is no part of them. In a handler that was called by the
+/// program, not by another handler, it is 1.
 inline int runningHandlers = 0;
 
 /// Changes that number for its scope.

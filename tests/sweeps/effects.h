@@ -37,8 +37,8 @@ struct Effect {
   std::set<std::string> texts;
   /// Records that may stand in their place.
   Records instead;
-  /// Files that one package lists on several disks, with the texts of that package: which of their records stays is not said, as
-  /// their versions are the same.
+  /// Files that one package lists on several disks, with the texts of that package: which of their records stays is not said,
+  /// as their versions are the same.
   std::map<std::string, std::set<std::string>> twins;
   /// Records of the other sources, which show where a record of theirs is missing.
   Records elsewhere;
