@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "importhook.h"
 #include "scratchmachine.h"
 
 namespace {
@@ -57,19 +58,8 @@ class Module {
     return names;
   }
 
-  /// Names of the functions that it takes from `dll`, by the names that the compiler gives them.
-  std::vector<std::string> Imports(const std::string& dll) const {
-    std::vector<std::string> names;
-    const auto* import =
-        At<IMAGE_IMPORT_DESCRIPTOR>(Header().DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT].VirtualAddress);
-    for (; import->Name != 0; ++import) {
-      if (dll != At<char>(import->Name)) continue;
-      for (const auto* slot = At<IMAGE_THUNK_DATA>(import->OriginalFirstThunk); slot->u1.AddressOfData != 0; ++slot) {
-        names.emplace_back(At<IMAGE_IMPORT_BY_NAME>(static_cast<DWORD>(slot->u1.AddressOfData))->Name);
-      }
-    }
-    return names;
-  }
+  /// Names of the functions that it takes from `dll`, as the compiler decorates them.
+  std::vector<std::string> Imports(const char* dll) const { return test::ImportedFunctions(m_module, dll); }
 
   /// A text of the version resource; empty when there is none.
   std::string VersionText(const std::string& key) const {
