@@ -33,6 +33,19 @@ TEST(ContextInHelsinki, TellsTheTimeInUtc) {
   if (SecondsOf(local) == SecondsOf(now)) GTEST_SKIP() << "the machine's zone is UTC, which shows nothing";
 }
 
+TEST(Context, TellsTheVersionOfThisWindows) {
+  RTL_OSVERSIONINFOW version{};
+  version.dwOSVersionInfoSize = sizeof(version);
+  const auto getVersion = reinterpret_cast<LONG(WINAPI*)(RTL_OSVERSIONINFOW*)>(
+      reinterpret_cast<void*>(GetProcAddress(GetModuleHandleA("ntdll.dll"), "RtlGetVersion")));
+  ASSERT_EQ(getVersion(&version), 0);
+  char expected[64];
+  std::snprintf(expected, sizeof(expected), "%lu.%lu.%lu", version.dwMajorVersion, version.dwMinorVersion,
+                version.dwBuildNumber);
+  EXPECT_EQ(driverlist::WindowsVersion(), expected);
+  EXPECT_EQ(driverlist::ToolVersion(), PROJECT_VERSION);
+}
+
 TEST(Context, TellsTheNameOfThisMachine) {
   wchar_t name[256];
   DWORD size = 256;

@@ -85,6 +85,32 @@ TEST(Table, StaysWithinAnyWidth) {
   }
 }
 
+TEST(Table, IsReadableOnATerminalOf80Columns) {
+  DriverData service = Driver("mdpower.sys", "10.0.22621.1");
+  service.state = "Running";
+  service.start_type = "System Start";
+  service.provider = "Meridian Systems";
+  DriverData device = Driver("INTC-VOKTA_HIDEVENTFILTER_0000-0000-0000-0000", "2.2.1.386");
+  device.provider = "Sample Platform Components";
+  EXPECT_EQ(FormatTable({service, device, Driver("nlnet_8086-15FB-1028-0A5C", "12.19.2.45")},
+                        Fields({"name", "file_version", "state", "start_type", "provider"}), 79),
+            "name                        file_version  state    start_type    provider\n"
+            "mdpower.sys                 10.0.22621.1  Running  System Start  Meridian Syst\u2026\n"
+            "INTC-VOKTA_HIDEVENTFILTER\u2026  2.2.1.386                            Sample Platfo\u2026\n"
+            "nlnet_8086-15FB-1028-0A5C   12.19.2.45\n");
+}
+
+TEST(Table, ColoursStatesAndMissingDrivers) {
+  DriverData running = Driver("a", "1");
+  running.state = "Running";
+  DriverData stopped = Driver("b", "N/A");
+  stopped.state = "Stopped";
+  EXPECT_EQ(FormatTable({running, stopped}, Fields({"name", "file_version", "state"}), 0, true),
+            "\x1B[1mname\x1B[0m  \x1B[1mfile_version\x1B[0m  \x1B[1mstate\x1B[0m\n"
+            "a     1             \x1B[32mRunning\x1B[0m\n"
+            "b     \x1B[31mN/A\x1B[0m           \x1B[33mStopped\x1B[0m\n");
+}
+
 TEST(Table, LetsNoTextMoveTheCursor) {
   if (GetACP() != 1252) GTEST_SKIP() << "the bytes are those of code page 1252";
   EXPECT_EQ(FormatTable({Driver("a\x1B[2Jb\r\n\x7F\x81"
@@ -141,14 +167,40 @@ TEST(Json, OfNothingHasAnEmptyArray) {
   EXPECT_EQ(json.at("drivers"), nlohmann::json::array());
 }
 
+TEST(JsonLines, AreAnObjectEachThatTellsItsContext) {
+  const std::string lines =
+      FormatJsonLines({Driver("a.sys", "1", "two\nlines"), Driver("b.sys", "2")},
+                      Fields({"name", "description", "found_by_device"}), {"host", "2024-05-06T07:08:09Z", "all"});
+  EXPECT_EQ(lines, R"({"schema_version":1,"host":"host","time":"2024-05-06T07:08:09Z","mode":"all",)"
+                   R"("name":"a.sys","description":"two\nlines","found_by_device":0})"
+                   "\n"
+                   R"({"schema_version":1,"host":"host","time":"2024-05-06T07:08:09Z","mode":"all",)"
+                   R"("name":"b.sys","description":"","found_by_device":0})"
+                   "\n");
+}
+
+TEST(JsonLines, OfNothingAreNone) { EXPECT_EQ(FormatJsonLines({}, AllColumns(), {}), ""); }
+
+TEST(Markdown, LetsEveryTextMeanItself) {
+  EXPECT_EQ(FormatMarkdown({Driver("a_b.sys", "1.2"), Driver("<b>|`*", "", "[x](y) & ~#\\\r\n"), Driver("", "")},
+                           Fields({"name", "file_version", "description"})),
+            "| name | file\\_version | description |\n"
+            "| --- | --- | --- |\n"
+            "| a\\_b.sys | 1.2 |  |\n"
+            "| \\<b\\>\\|\\`\\* |  | \\[x\\](y) \\& \\~\\#\\\\?? |\n"
+            "|  |  |  |\n");
+}
+
 TEST(Formats, AreUtf8) {
   if (GetACP() != 1252) GTEST_SKIP() << "the bytes are those of code page 1252";
   const std::vector<DriverData> drivers = {Driver("Ger\xE4t \x80", "")};
   const auto columns = Fields({"name"});
   EXPECT_EQ(FormatTable(drivers, columns, 0), "name\nGer\u00E4t \u20AC\n");
   EXPECT_EQ(FormatCsv(drivers, columns), "name\r\nGer\u00E4t \u20AC\r\n");
+  EXPECT_EQ(FormatMarkdown(drivers, columns), "| name |\n| --- |\n| Ger\u00E4t \u20AC |\n");
   EXPECT_EQ(nlohmann::json::parse(FormatJson(drivers, columns, {})).at("drivers").at(0).at("name"),
             "Ger\u00E4t \u20AC");
+  EXPECT_EQ(nlohmann::json::parse(FormatJsonLines(drivers, columns, {})).at("name"), "Ger\u00E4t \u20AC");
 }
 
 TEST(Utf8, IsCutBetweenCharacters) {

@@ -4,6 +4,7 @@
 #include <windows.h>
 
 #include "importhook.h"
+#include "machine.h"
 #include "program.h"
 #include "unicode.h"
 
@@ -12,6 +13,14 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 namespace {
+
+void WriteDirectly(const std::wstring& path, const std::string& text) {
+  const HANDLE file = CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0, nullptr);
+  ASSERT_NE(file, INVALID_HANDLE_VALUE);
+  DWORD written = 0;
+  EXPECT_TRUE(WriteFile(file, text.data(), static_cast<DWORD>(text.size()), &written, nullptr));
+  CloseHandle(file);
+}
 
 class FileOutput : public testing::Test {
  protected:
@@ -83,6 +92,42 @@ TEST_F(FileOutput, LeavesTheFormerFileWhenItCannotBeFlushed) {
   EXPECT_THAT(folder.Files(), ElementsAre(L"file"));
 }
 
+TEST_F(FileOutput, ClearsAwayDraftsOfProcessesThatEnded) {
+  // No process has an odd number.
+  WriteDirectly(folder.Path(L"file.driverlist-1.tmp"), "half");
+  const std::wstring ours = L"file.driverlist-" + std::to_wstring(GetCurrentProcessId()) + L".tmp";
+  WriteDirectly(folder.Path(ours), "half");
+  for (const wchar_t* const other : {L"file.driverlist-x.tmp", L"file.driverlist-1x.tmp", L"file.driverlist-.tmp",
+                                     L"file.1.tmp", L"other.driverlist-1.tmp"}) {
+    WriteDirectly(folder.Path(other), "not ours");
+  }
+  EXPECT_EQ(Write(L"file", "new"), "");
+  EXPECT_EQ(Content(L"file"), "new");
+  EXPECT_THAT(folder.Files(),
+              testing::UnorderedElementsAre(L"file", L"file.driverlist-x.tmp", L"file.driverlist-1x.tmp",
+                                            L"file.driverlist-.tmp", L"file.1.tmp", L"other.driverlist-1.tmp"));
+}
+
+TEST_F(FileOutput, LeavesTheDraftsOfProcessesThatRun) {
+  PROCESS_INFORMATION process{};
+  STARTUPINFOW start{};
+  start.cb = sizeof(start);
+  std::wstring program = test::ProgramDirectory() + L"\\driverlist.exe --version";
+  ASSERT_TRUE(CreateProcessW(nullptr, program.data(), nullptr, nullptr, FALSE, CREATE_SUSPENDED, nullptr, nullptr,
+                             &start, &process));
+  const std::wstring draft = L"file.driverlist-" + std::to_wstring(process.dwProcessId) + L".tmp";
+  WriteDirectly(folder.Path(draft), "half");
+  EXPECT_EQ(Write(L"file", "new"), "");
+  EXPECT_THAT(folder.Files(), testing::UnorderedElementsAre(L"file", draft));
+
+  TerminateProcess(process.hProcess, 1);
+  WaitForSingleObject(process.hProcess, INFINITE);
+  EXPECT_EQ(Write(L"file", "newer"), "");
+  EXPECT_THAT(folder.Files(), ElementsAre(L"file")) << "also while someone still holds the process";
+  CloseHandle(process.hProcess);
+  CloseHandle(process.hThread);
+}
+
 TEST_F(FileOutput, GoesToADeviceAsItIs) { EXPECT_EQ(WriteFileWhole("NUL", "text"), ""); }
 
 TEST(ConsoleOutput, IsWrittenInUtf16) {
@@ -121,6 +166,16 @@ TEST(ConsoleOutput, IsOneColumnNarrowerThanItsWindow) {
   EXPECT_EQ(TerminalWidth(), 79u);
   window = {0, 0, 0, 0};
   EXPECT_EQ(TerminalWidth(), 1u) << "a window of one column";
+}
+
+TEST(ConsoleOutput, HasAWidthOfItsOwnForErrors) {
+  HOOK(info, GetModuleHandleA(nullptr), GetConsoleScreenBufferInfo,
+       [](HANDLE handle, CONSOLE_SCREEN_BUFFER_INFO* buffer) -> BOOL {
+         buffer->srWindow = {0, 0, 99, 24};
+         return handle == GetStdHandle(STD_ERROR_HANDLE);
+       });
+  EXPECT_EQ(StandardErrorWidth(), 99u);
+  EXPECT_EQ(TerminalWidth(), 0u);
 }
 
 TEST(ConsoleOutput, HasNoWidthWithoutConsole) {

@@ -14,6 +14,19 @@ std::string HostName() {
   return GetComputerNameExW(ComputerNamePhysicalDnsHostname, name, &size) ? Utf8FromWide({name, size}) : std::string();
 }
 
+std::string WindowsVersion() {
+  const HMODULE ntdll = GetModuleHandleW(L"ntdll.dll");
+  const auto getVersion =
+      reinterpret_cast<LONG(WINAPI*)(OSVERSIONINFOW*)>(reinterpret_cast<void*>(GetProcAddress(ntdll, "RtlGetVersion")));
+  OSVERSIONINFOW version{};
+  version.dwOSVersionInfoSize = sizeof(version);
+  if (getVersion == nullptr || getVersion(&version) != 0) return std::string();
+  return std::to_string(version.dwMajorVersion) + "." + std::to_string(version.dwMinorVersion) + "." +
+         std::to_string(version.dwBuildNumber);
+}
+
+std::string ToolVersion() { return DRIVERLIST_VERSION; }
+
 std::string UtcNow() {
   SYSTEMTIME now;
   GetSystemTime(&now);

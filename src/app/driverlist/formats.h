@@ -11,10 +11,9 @@
 
 namespace driverlist {
 
-/// One line per driver below a line of column names, columns aligned by blanks, lines ended by "\n". With a `width` other
-/// than 0, the widest columns are cut so that lines have at most that many characters. Control characters become "?".
+/// One line per driver below a line of column names, as FormatRows() lays them out on a page of that `width` (0 for any).
 std::string FormatTable(const std::vector<Orvane::DriverData>& drivers, const std::vector<Column>& columns,
-                        std::size_t width);
+                        std::size_t width, bool colours = false);
 
 /// RFC 4180, with a header record of column names.
 std::string FormatCsv(const std::vector<Orvane::DriverData>& drivers, const std::vector<Column>& columns);
@@ -31,5 +30,12 @@ struct ListingContext {
 /// One object: "schema_version" (1), "host", "time", "mode" and "drivers", an array of objects with the columns as members.
 std::string FormatJson(const std::vector<Orvane::DriverData>& drivers, const std::vector<Column>& columns,
                        const ListingContext& context);
+
+/// One object per driver and line, each with "schema_version" (1), "host", "time", "mode" and the columns as members.
+std::string FormatJsonLines(const std::vector<Orvane::DriverData>& drivers, const std::vector<Column>& columns,
+                            const ListingContext& context);
+
+/// A table of GitHub Flavored Markdown, in which every text means itself.
+std::string FormatMarkdown(const std::vector<Orvane::DriverData>& drivers, const std::vector<Column>& columns);
 
 }  // namespace driverlist

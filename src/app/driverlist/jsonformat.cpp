@@ -1,19 +1,11 @@
-#include <nlohmann/json.hpp>
-
 #include "formats.h"
-#include "unicode.h"
+#include "jsonvalues.h"
 
 namespace driverlist {
 namespace {
 
-using Json = nlohmann::ordered_json;
-
-Json Value(const std::string& text) { return Utf8FromAnsi(text); }
-Json Value(std::int32_t number) { return number; }
-Json Value(const std::vector<std::string>& texts) {
-  Json array = Json::array();
-  for (const std::string& text : texts) array.push_back(Utf8FromAnsi(text));
-  return array;
+Json Head(const ListingContext& context) {
+  return {{"schema_version", 1}, {"host", context.host}, {"time", context.time}, {"mode", context.mode}};
 }
 
 }  // namespace
@@ -23,18 +15,23 @@ std::string FormatJson(const std::vector<Orvane::DriverData>& drivers, const std
   Json list = Json::array();
   for (const Orvane::DriverData& driver : drivers) {
     Json object = Json::object();
-    for (const Column& column : columns) {
-      object[std::string(column.name)] =
-          std::visit([&driver](auto member) { return Value(driver.*member); }, column.member);
-    }
+    AddFields(object, driver, columns);
     list.push_back(std::move(object));
   }
-  const Json document = {{"schema_version", 1},
-                         {"host", context.host},
-                         {"time", context.time},
-                         {"mode", context.mode},
-                         {"drivers", std::move(list)}};
-  return document.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+  Json document = Head(context);
+  document["drivers"] = std::move(list);
+  return JsonText(document, true) + "\n";
+}
+
+std::string FormatJsonLines(const std::vector<Orvane::DriverData>& drivers, const std::vector<Column>& columns,
+                            const ListingContext& context) {
+  std::string lines;
+  for (const Orvane::DriverData& driver : drivers) {
+    Json object = Head(context);
+    AddFields(object, driver, columns);
+    lines += JsonText(object, false) + "\n";
+  }
+  return lines;
 }
 
 }  // namespace driverlist

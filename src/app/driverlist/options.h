@@ -8,21 +8,39 @@
 
 #include "columns.h"
 #include "driverinfo.h"
+#include "selection.h"
 
 namespace driverlist {
 
-enum class Format { Table, Csv, Json };
+enum class Command { List, Snapshot, Diff, Health };
 
+/// `diff` and `health` know the table and JSON.
+enum class Format { Table, Csv, Json, JsonLines, Markdown };
+
+/// What is not said of a command belongs to all of them. Texts and paths are UTF-8.
 struct Options {
-  Orvane::DriverInfoSetType mode = Orvane::All;
+  Command command = Command::List;
   Format format = Format::Table;
-  /// What to show; for the table without a choice the columns that most people ask for, else all.
-  std::vector<Column> columns;
-  /// Path in UTF-8; standard output when empty.
+  /// Path; standard output when empty. Not of `snapshot`.
   std::string output;
   std::optional<int> logLevel;
-  /// Path in UTF-8; standard error when empty and a level was chosen.
+  /// Path; standard error when empty and a level was chosen.
   std::string logFile;
+  bool quiet = false;
+
+  /// `list`.
+  Orvane::DriverInfoSetType mode = Orvane::All;
+  /// `list`: what to show; for the table without a choice the columns that most people ask for, else all.
+  std::vector<Column> columns;
+  /// `list`: whether the user chose them.
+  bool columnsChosen = false;
+  /// `list`.
+  Selection selection;
+
+  /// `snapshot`: the file to write. `diff`: the older inventory.
+  std::string file;
+  /// `diff`: the newer inventory, "live" for this machine as it is.
+  std::string newFile;
 };
 
 /// Text of the option `mode`.
@@ -36,7 +54,7 @@ struct ParsedCommandLine {
   int exitCode = 0;
 };
 
-/// Reads the arguments behind the program's name, in UTF-8.
+/// Reads the arguments behind the program's name, in UTF-8. Those that do not begin with a command are those of `list`.
 ParsedCommandLine ParseCommandLine(const std::vector<std::string>& arguments);
 
 }  // namespace driverlist

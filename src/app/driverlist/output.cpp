@@ -3,6 +3,8 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <cwchar>
+#include <string_view>
 
 #include "unicode.h"
 
@@ -45,6 +47,12 @@ DWORD WriteStandard(DWORD which, const std::string& text) {
   return IsConsole(handle) ? WriteConsoleText(handle, text) : WriteBytes(handle, text);
 }
 
+std::size_t WidthBehind(DWORD which) {
+  CONSOLE_SCREEN_BUFFER_INFO info{};
+  if (!GetConsoleScreenBufferInfo(GetStdHandle(which), &info)) return 0;
+  return static_cast<std::size_t>(std::max(1, info.srWindow.Right - info.srWindow.Left));
+}
+
 std::string Problem(DWORD error) { return error == ERROR_SUCCESS ? std::string() : ErrorText(error); }
 
 HANDLE OpenToWrite(const std::wstring& path, DWORD disposition) {
@@ -61,9 +69,44 @@ DWORD WriteNewFile(const std::wstring& path, const std::string& text) {
   return error;
 }
 
+// A draft of "list.csv" is "list.csv.driverlist-1234.tmp", where 1234 is the process that writes it.
+constexpr wchar_t DraftPrefix[] = L".driverlist-";
+constexpr wchar_t DraftSuffix[] = L".tmp";
+
+bool IsRunning(DWORD processId) {
+  const HANDLE process = OpenProcess(SYNCHRONIZE, FALSE, processId);
+  if (process == nullptr) return GetLastError() != ERROR_INVALID_PARAMETER;
+  // A process that ended is still there while someone holds it.
+  const bool isRunning = WaitForSingleObject(process, 0) == WAIT_TIMEOUT;
+  CloseHandle(process);
+  return isRunning;
+}
+
+/// The process in the name of a draft; 0, which writes none, for any other name.
+DWORD WriterOf(const std::wstring& draft, std::size_t numberAt) {
+  wchar_t* end = nullptr;
+  const unsigned long id = std::wcstoul(draft.c_str() + std::min(numberAt, draft.size()), &end, 10);
+  return std::wstring_view(end) == DraftSuffix ? id : 0;
+}
+
+/// Removes the drafts that processes left which were ended while they wrote. What cannot be removed stays.
+void RemoveStaleDrafts(const std::wstring& path) {
+  const std::wstring prefix = path + DraftPrefix;
+  const std::size_t name = path.find_last_of(L"\\/:") + 1;
+  WIN32_FIND_DATAW file;
+  const HANDLE found = FindFirstFileW((prefix + L"*" + DraftSuffix).c_str(), &file);
+  if (found == INVALID_HANDLE_VALUE) return;
+  do {
+    const DWORD writer = WriterOf(file.cFileName, prefix.size() - name);
+    if (writer != 0 && !IsRunning(writer)) DeleteFileW((path.substr(0, name) + file.cFileName).c_str());
+  } while (FindNextFileW(found, &file));
+  FindClose(found);
+}
+
 /// Zero, or the error of Windows.
 DWORD WriteAsideAndReplace(const std::wstring& path, const std::string& text) {
-  const std::wstring draft = path + L"." + std::to_wstring(GetCurrentProcessId()) + L".tmp";
+  RemoveStaleDrafts(path);
+  const std::wstring draft = path + DraftPrefix + std::to_wstring(GetCurrentProcessId()) + DraftSuffix;
   DWORD error = WriteNewFile(draft, text);
   if (error == ERROR_SUCCESS && !MoveFileExW(draft.c_str(), path.c_str(), MOVEFILE_REPLACE_EXISTING)) {
     error = GetLastError();
@@ -82,11 +125,9 @@ HANDLE OpenDevice(const std::wstring& path) {
 
 }  // namespace
 
-std::size_t TerminalWidth() {
-  CONSOLE_SCREEN_BUFFER_INFO info{};
-  if (!GetConsoleScreenBufferInfo(GetStdHandle(STD_OUTPUT_HANDLE), &info)) return 0;
-  return static_cast<std::size_t>(std::max(1, info.srWindow.Right - info.srWindow.Left));
-}
+std::size_t TerminalWidth() { return WidthBehind(STD_OUTPUT_HANDLE); }
+
+std::size_t StandardErrorWidth() { return WidthBehind(STD_ERROR_HANDLE); }
 
 std::string WriteStandardOutput(const std::string& text) { return Problem(WriteStandard(STD_OUTPUT_HANDLE, text)); }
 

@@ -11,6 +11,9 @@ namespace driverlist {
 /// some. 0 when there is no terminal.
 std::size_t TerminalWidth();
 
+/// The same of standard error.
+std::size_t StandardErrorWidth();
+
 /// Writes `text` to standard output. Returns an empty text, or what went wrong.
 std::string WriteStandardOutput(const std::string& text);
 
@@ -18,7 +21,8 @@ std::string WriteStandardOutput(const std::string& text);
 void WriteStandardError(const std::string& text);
 
 /// Makes `text` the content of the file at `path` (UTF-8): whole, or not at all, in which case a former file stays as it is. A
-/// device, such as NUL, just gets it. Returns an empty text, or what went wrong.
+/// device, such as NUL, just gets it. The text is written to a draft beside the file, which takes its place; drafts of processes
+/// that ended before they came so far are removed. Returns an empty text, or what went wrong.
 std::string WriteFileWhole(const std::string& path, const std::string& text);
 
 }  // namespace driverlist

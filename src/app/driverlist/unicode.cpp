@@ -34,6 +34,13 @@ std::size_t Columns(std::string_view utf8) {
   return columns;
 }
 
+std::size_t NextCodePoint(std::string_view utf8, std::size_t at) {
+  do {
+    ++at;
+  } while (at < utf8.size() && !StartsCodePoint(utf8[at]));
+  return at;
+}
+
 std::string Cut(std::string_view utf8, std::size_t columns) {
   if (columns == 0) return std::string();
   if (Columns(utf8) <= columns) return std::string(utf8);
@@ -42,6 +49,37 @@ std::string Cut(std::string_view utf8, std::size_t columns) {
     if (StartsCodePoint(utf8[bytes]) && ++started == columns) break;
   }
   return std::string(utf8.substr(0, bytes)) + "\u2026";
+}
+
+std::string CutFront(std::string_view utf8, std::size_t columns) {
+  if (columns == 0) return std::string();
+  const std::size_t all = Columns(utf8);
+  if (all <= columns) return std::string(utf8);
+  std::size_t start = 0;
+  for (std::size_t passed = 0; start < utf8.size(); ++start) {
+    if (StartsCodePoint(utf8[start]) && ++passed == all - columns + 2) break;
+  }
+  return "\u2026" + std::string(utf8.substr(start));
+}
+
+std::string LowerCase(std::string_view utf8) {
+  if (utf8.empty()) return std::string();
+  std::wstring wide = WideFromUtf8(utf8);
+  const int size = static_cast<int>(wide.size());
+  // Without linguistic rules, a text keeps its length.
+  LCMapStringEx(LOCALE_NAME_INVARIANT, LCMAP_LOWERCASE, wide.data(), size, wide.data(), size, nullptr, nullptr, 0);
+  return Utf8FromWide(wide);
+}
+
+std::string Printable(std::string utf8) {
+  for (std::size_t i = 0; i < utf8.size(); ++i) {
+    const auto byte = static_cast<unsigned char>(utf8[i]);
+    // A C1 control is two bytes.
+    const bool c1 = byte == 0xC2 && i + 1 < utf8.size() && static_cast<unsigned char>(utf8[i + 1]) < 0xA0;
+    if (c1) utf8.erase(i, 1);
+    if (c1 || byte < 0x20 || byte == 0x7F) utf8[i] = '?';
+  }
+  return utf8;
 }
 
 std::string ErrorText(unsigned long code) {

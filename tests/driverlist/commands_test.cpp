@@ -1,0 +1,368 @@
+// snapshot, diff and health as a user runs them, on a machine of two drivers.
+#include <gmock/gmock.h>
+#include <windows.h>
+
+#include <algorithm>
+#include <nlohmann/json.hpp>
+
+#include "commands.h"
+#include "importhook.h"
+#include "pciinfo.h"
+#include "program.h"
+#include "scratchmachine.h"
+#include "unicode.h"
+
+using test::DriverService;
+using test::ProgramResult;
+using test::ScratchFile;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::MatchesRegex;
+using testing::Not;
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+std::string DriverPath(const std::string& file) { return test::SystemDirectory() + "\\drivers\\" + file; }
+
+ProgramResult Driverlist(const std::wstring& arguments, HANDLE output = nullptr) {
+  return test::RunProgram("driverlist.exe", arguments, output);
+}
+
+std::wstring Quoted(const std::wstring& path) { return L"\"" + path + L"\""; }
+
+void WriteText(const std::wstring& path, const std::string& text) {
+  const HANDLE file = CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
+  ASSERT_NE(file, INVALID_HANDLE_VALUE);
+  DWORD written = 0;
+  EXPECT_TRUE(WriteFile(file, text.data(), static_cast<DWORD>(text.size()), &written, nullptr));
+  CloseHandle(file);
+}
+
+/// A device of the system that is always full; none on Windows.
+constexpr wchar_t FullDevice[] = L"Z:\\dev\\full";
+
+class ProgramCommand : public test::ScratchMachine {
+ protected:
+  void SetUp() override {
+    ScratchMachine::SetUp();
+    if (!IsSkipped()) m_machine = std::make_unique<Machine>();
+  }
+
+  ProgramResult Snapshot(const std::wstring& file) const {
+    return Driverlist(L"snapshot " + Quoted(folder.Path(file)));
+  }
+  ProgramResult Diff(const std::wstring& before, const std::wstring& after, const std::wstring& more = L"") const {
+    return Driverlist(L"diff " + Quoted(folder.Path(before)) + L" " + after + L" " + more);
+  }
+
+  test::TemporaryFolder folder;
+
+ private:
+  struct Machine {
+    ScratchFile bus{DriverPath("OiBus.sys"), L"images\\full.sys"};
+    ScratchFile german{DriverPath("OiGeraet.sys"), L"images\\codepage.sys"};
+    DriverService busService{"OiBus", "\\SystemRoot\\System32\\drivers\\OiBus.sys"};
+    DriverService germanService{"OiGeraet", "System32\\drivers\\OiGeraet.sys"};
+  };
+  std::unique_ptr<Machine> m_machine;
+};
+
+std::vector<std::string> SnapshotNames(const Json& snapshot, const std::string& foundBy) {
+  std::vector<std::string> names;
+  for (const Json& driver : snapshot.at("drivers")) {
+    if (driver.at("found_by") == foundBy) names.push_back(driver.at("name"));
+  }
+  return names;
+}
+
+TEST_F(ProgramCommand, SnapshotsTheWholeInventory) {
+  const test::RegistryValue chipset("SOFTWARE\\Intel\\InfInst", "Version", REG_SZ, "10.1.18793.8276");
+  const ProgramResult result = Snapshot(L"\u0436 snapshot.json");
+  EXPECT_EQ(result.exitCode, 0u);
+  EXPECT_EQ(result.output, "");
+  EXPECT_EQ(result.errors, "");
+  EXPECT_THAT(folder.Files(), ElementsAre(L"\u0436 snapshot.json"));
+  const Json snapshot = Json::parse(test::FileContent(folder.Path(L"\u0436 snapshot.json")));
+  EXPECT_EQ(snapshot.at("kind"), "driverlist snapshot");
+  EXPECT_EQ(snapshot.at("schema_version"), 1);
+  EXPECT_NE(snapshot.at("host"), "");
+  EXPECT_THAT(snapshot.at("windows").get<std::string>(), MatchesRegex("\\d+\\.\\d+\\.\\d+"));
+  EXPECT_EQ(snapshot.at("tool_version"), PROJECT_VERSION);
+  EXPECT_THAT(snapshot.at("time").get<std::string>(), MatchesRegex("\\d\\d\\d\\d-\\d\\d-\\d\\dT\\d\\d:\\d\\d:\\d\\dZ"));
+  EXPECT_THAT(SnapshotNames(snapshot, "service"), testing::IsSupersetOf({"OiBus.sys", "OiGeraet.sys"}));
+  EXPECT_THAT(SnapshotNames(snapshot, "service"), Not(testing::Contains("intel_chipset")));
+  EXPECT_THAT(SnapshotNames(snapshot, "device"), testing::Contains("intel_chipset"));
+  const auto& drivers = snapshot.at("drivers");
+  const auto german = std::find_if(drivers.begin(), drivers.end(),
+                                   [](const Json& driver) { return driver.at("name") == "OiGeraet.sys"; });
+  ASSERT_NE(german, drivers.end());
+  EXPECT_EQ(german->at("provider"), "M\u00FCller Ger\u00E4te");
+}
+
+TEST_F(ProgramCommand, LeavesTheFormerSnapshotWhenItCannotWrite) {
+  WriteText(folder.Path(L"s.json"), "former");
+  // Someone reads it and lets nobody replace it.
+  const HANDLE reader =
+      CreateFileW(folder.Path(L"s.json").c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
+  const ProgramResult result = Snapshot(L"s.json");
+  CloseHandle(reader);
+  EXPECT_EQ(result.exitCode, 1u);
+  EXPECT_THAT(result.errors, MatchesRegex("driverlist: cannot write .*s.json: .+\n"));
+  EXPECT_EQ(test::FileContent(folder.Path(L"s.json")), "former");
+  EXPECT_THAT(folder.Files(), ElementsAre(L"s.json"));
+  EXPECT_EQ(Snapshot(L"none\\s.json").exitCode, 1u);
+}
+
+TEST_F(ProgramCommand, FindsNoDifferenceWhereThereIsNone) {
+  ASSERT_EQ(Snapshot(L"a").exitCode, 0u);
+  for (const std::wstring& other : {Quoted(folder.Path(L"a")), std::wstring(L"live")}) {
+    const ProgramResult result = Diff(L"a", other);
+    EXPECT_EQ(result.exitCode, 0u);
+    EXPECT_EQ(result.errors, "");
+    EXPECT_THAT(result.output, MatchesRegex("old: .+\nnew: .+\n\\d+ the same\n"));
+  }
+}
+
+TEST_F(ProgramCommand, TellsWhatChanged) {
+  ASSERT_EQ(Snapshot(L"a").exitCode, 0u);
+  {
+    const ScratchFile image(DriverPath("OiNew.sys"), L"images\\fixedonly.sys");
+    const DriverService service("OiNew", "OiNew.sys");
+    const ProgramResult result = Diff(L"a", L"live");
+    EXPECT_EQ(result.exitCode, 1u);
+    EXPECT_EQ(result.errors, "");
+    EXPECT_THAT(result.output, HasSubstr("added       service   OiNew.sys  file_version"));
+    EXPECT_THAT(result.output, HasSubstr("\n1 added, "));
+    ASSERT_EQ(Snapshot(L"b").exitCode, 0u);
+  }
+  const ProgramResult result = Diff(L"b", Quoted(folder.Path(L"a")), L"--format json");
+  EXPECT_EQ(result.exitCode, 1u);
+  const Json json = Json::parse(result.output);
+  EXPECT_EQ(json.at("summary").at("removed"), 1);
+  ASSERT_EQ(json.at("differences").size(), 1u);
+  EXPECT_EQ(json.at("differences").at(0).at("difference"), "removed");
+  EXPECT_EQ(json.at("differences").at(0).at("name"), "OiNew.sys");
+}
+
+TEST_F(ProgramCommand, RefusesFilesThatAreNoSnapshots) {
+  ASSERT_EQ(Snapshot(L"good").exitCode, 0u);
+  const std::string good = test::FileContent(folder.Path(L"good"));
+  std::string newer = good;
+  newer.replace(newer.find("\"schema_version\": 1"), 19, "\"schema_version\": 7");
+  WriteText(folder.Path(L"foreign"), "name,version\r\n");
+  WriteText(folder.Path(L"short"), good.substr(0, good.size() / 2));
+  WriteText(folder.Path(L"newer"), newer);
+  const std::pair<const wchar_t*, const char*> cases[] = {
+      {L"none", "driverlist: cannot read .*none: .+\n"},
+      {L"foreign", "driverlist: .*foreign is no snapshot of driverlist\\.\n"},
+      {L"short", "driverlist: .*short is damaged: it is no whole JSON document\\.\n"},
+      {L"newer", "driverlist: .*newer was written by a newer driverlist: its schema version is 7, and .+ 1\\.\n"}};
+  for (const auto& [file, sentence] : cases) {
+    for (const ProgramResult& result : {Diff(file, L"live"), Diff(L"good", Quoted(folder.Path(file)))}) {
+      EXPECT_EQ(result.exitCode, 2u) << sentence;
+      EXPECT_EQ(result.output, "");
+      EXPECT_THAT(result.errors, MatchesRegex(sentence));
+    }
+  }
+}
+
+TEST_F(ProgramCommand, TellsWhatDeservesALook) {
+  const DriverService gone("OiGone", "\\??\\C:\\gone\\OiGone.sys", SERVICE_AUTO_START);
+  const ProgramResult table = Driverlist(L"health");
+  EXPECT_EQ(table.exitCode, 1u);
+  EXPECT_EQ(table.errors, "");
+  EXPECT_THAT(table.output, HasSubstr("image-missing (services whose image is not where it is configured): 1\n"
+                                      "what    evidence\n"
+                                      "OiGone  there is no C:\\gone\\OiGone.sys, configured as "
+                                      "\\??\\C:\\gone\\OiGone.sys\n"));
+  const ProgramResult json = Driverlist(L"health --format json");
+  EXPECT_EQ(json.exitCode, 1u);
+  const Json report = Json::parse(json.output);
+  EXPECT_EQ(report.at("summary").at("image-missing"), 1);
+  EXPECT_EQ(report.at("tool_version"), PROJECT_VERSION);
+}
+
+TEST_F(ProgramCommand, FindsNothingOnAHealthyMachine) {
+  // Wine's own display adapter has no driver.
+  HOOK(noDevices, GetModuleHandleA("driverinfo.dll"), GetPciInfo, [](std::vector<Orvane::PciDeviceRecord>&) {});
+  driverlist::Options options;
+  options.command = driverlist::Command::Health;
+  options.output = driverlist::Utf8FromWide(folder.Path(L"health.txt"));
+  EXPECT_EQ(driverlist::RunHealth(options), 0);
+  EXPECT_EQ(test::FileContent(folder.Path(L"health.txt")), "nothing found\n");
+}
+
+TEST_F(ProgramCommand, WritesReportsToFiles) {
+  ASSERT_EQ(Snapshot(L"a").exitCode, 0u);
+  const ProgramResult diff = Diff(L"a", L"live", L"--output " + Quoted(folder.Path(L"diff.txt")));
+  EXPECT_EQ(diff.exitCode, 0u);
+  EXPECT_EQ(diff.output, "");
+  EXPECT_THAT(test::FileContent(folder.Path(L"diff.txt")), HasSubstr(" the same\n"));
+  const ProgramResult health = Driverlist(L"health --output " + Quoted(folder.Path(L"health.txt")));
+  EXPECT_EQ(health.output, "");
+  EXPECT_NE(test::FileContent(folder.Path(L"health.txt")), "");
+}
+
+TEST_F(ProgramCommand, EndsWithTwoWhereReportsHaveTrouble) {
+  ASSERT_EQ(Snapshot(L"a").exitCode, 0u);
+  const std::wstring nowhere = L"--output " + Quoted(folder.Path(L"none\\out"));
+  const std::wstring badLog = L"--log-file " + Quoted(folder.Path(L"a\"\"b"));
+  const std::wstring diff = L"diff " + Quoted(folder.Path(L"a")) + L" live ";
+  for (const std::wstring& command : {diff, std::wstring(L"health ")}) {
+    for (const std::wstring& trouble : {nowhere, badLog, std::wstring(L"--format xml"), std::wstring(L"--colour")}) {
+      const ProgramResult result = Driverlist(command + trouble);
+      EXPECT_EQ(result.exitCode, 2u) << result.errors;
+      EXPECT_EQ(result.output, "");
+      EXPECT_THAT(result.errors, MatchesRegex("driverlist: .+\n"));
+    }
+  }
+  EXPECT_EQ(Driverlist(L"diff").exitCode, 2u);
+}
+
+TEST_F(ProgramCommand, FailsWhenNobodyReadsItsOutput) {
+  ASSERT_EQ(Snapshot(L"a").exitCode, 0u);
+  const std::pair<std::wstring, DWORD> cases[] = {
+      {L"diff " + Quoted(folder.Path(L"a")) + L" live", 2}, {L"health", 2}, {L"list --format jsonl", 1}};
+  for (const auto& [arguments, exitCode] : cases) {
+    SECURITY_ATTRIBUTES inherited = {sizeof(inherited), nullptr, TRUE};
+    HANDLE read = nullptr;
+    HANDLE write = nullptr;
+    ASSERT_TRUE(CreatePipe(&read, &write, &inherited, 0));
+    CloseHandle(read);
+    const ProgramResult result = Driverlist(arguments, write);
+    CloseHandle(write);
+    EXPECT_EQ(result.exitCode, exitCode);
+    EXPECT_THAT(result.errors, MatchesRegex("driverlist: cannot write the output: .+\n"));
+  }
+}
+
+TEST_F(ProgramCommand, FailsWhenTheDiskIsFull) {
+  SECURITY_ATTRIBUTES inherited = {sizeof(inherited), nullptr, TRUE};
+  const HANDLE full = CreateFileW(FullDevice, GENERIC_WRITE, FILE_SHARE_WRITE, &inherited, OPEN_EXISTING, 0, nullptr);
+  if (full == INVALID_HANDLE_VALUE) GTEST_SKIP() << "there is no device that is full";
+  ASSERT_EQ(Snapshot(L"a").exitCode, 0u);
+  const std::pair<std::wstring, DWORD> cases[] = {{L"--output ", 1},
+                                                  {L"list --format json --output ", 1},
+                                                  {L"snapshot ", 1},
+                                                  {L"health --output ", 2},
+                                                  {L"diff " + Quoted(folder.Path(L"a")) + L" live --output ", 2}};
+  for (const auto& [arguments, exitCode] : cases) {
+    const ProgramResult result = Driverlist(arguments + FullDevice);
+    EXPECT_EQ(result.exitCode, exitCode);
+    EXPECT_THAT(result.errors, MatchesRegex("driverlist: cannot write Z:.dev.full: .+\n"));
+  }
+  const ProgramResult result = Driverlist(L"list", full);
+  CloseHandle(full);
+  EXPECT_EQ(result.exitCode, 1u);
+  EXPECT_THAT(result.errors, MatchesRegex("driverlist: cannot write the output: .+\n"));
+}
+
+TEST_F(ProgramCommand, PrintsItsHelp) {
+  for (const wchar_t* const command : {L"list", L"snapshot", L"diff", L"health"}) {
+    const ProgramResult help = Driverlist(std::wstring(command) + L" --help");
+    EXPECT_EQ(help.exitCode, 0u);
+    EXPECT_EQ(help.errors, "");
+    EXPECT_THAT(help.output, HasSubstr("--quiet"));
+  }
+}
+
+TEST_F(ProgramCommand, ShowsNoProgressButOnATerminal) {
+  for (const wchar_t* const arguments : {L"list", L"list --quiet", L"snapshot NUL", L"health"}) {
+    EXPECT_EQ(Driverlist(arguments).errors, "");
+  }
+}
+
+TEST_F(ProgramCommand, LogsWhenAskedTo) {
+  EXPECT_THAT(Driverlist(L"snapshot NUL --log-level 4").errors, HasSubstr("Start to list registered driver files."));
+  EXPECT_THAT(Driverlist(L"health --log-level 4 --quiet").errors, HasSubstr("DRIVERINFO.name=OiBus.sys "));
+}
+
+TEST_F(ProgramCommand, ListsWithAndWithoutItsName) {
+  const std::wstring options = L"--mode registered --columns name,provider --where name=oi* --sort name --format csv";
+  EXPECT_EQ(Driverlist(L"list " + options).output, Driverlist(options).output);
+  EXPECT_THAT(Driverlist(options).output, HasSubstr("\r\nOiGeraet.sys,"));
+  const ProgramResult matched = Driverlist(options + L" --match *ger\u00E4te*");
+  EXPECT_THAT(matched.output, HasSubstr("\r\nOiGeraet.sys,"));
+  EXPECT_THAT(matched.output, Not(HasSubstr("OiBus")));
+  EXPECT_EQ(matched.exitCode, 0u);
+}
+
+/// A snapshot under way.
+class RunningSnapshot {
+ public:
+  explicit RunningSnapshot(const std::wstring& file) {
+    std::wstring command = Quoted(test::ProgramDirectory() + L"\\driverlist.exe") + L" snapshot " + Quoted(file);
+    STARTUPINFOW start{};
+    start.cb = sizeof(start);
+    if (!CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &start, &m_process)) {
+      throw std::runtime_error("cannot start driverlist.exe");
+    }
+  }
+  ~RunningSnapshot() {
+    CloseHandle(m_process.hProcess);
+    CloseHandle(m_process.hThread);
+  }
+  RunningSnapshot(const RunningSnapshot&) = delete;
+  RunningSnapshot& operator=(const RunningSnapshot&) = delete;
+
+  bool IsRunning() const { return WaitForSingleObject(m_process.hProcess, 0) == WAIT_TIMEOUT; }
+  /// True when it was still under way.
+  bool Kill() const {
+    constexpr DWORD killed = 77;
+    TerminateProcess(m_process.hProcess, killed);
+    WaitForSingleObject(m_process.hProcess, INFINITE);
+    DWORD exitCode = 0;
+    GetExitCodeProcess(m_process.hProcess, &exitCode);
+    return exitCode == killed;
+  }
+
+ private:
+  PROCESS_INFORMATION m_process{};
+};
+
+DWORD MillisecondsOf(const std::wstring& file) {
+  const ULONGLONG start = GetTickCount64();
+  const RunningSnapshot snapshot(file);
+  while (snapshot.IsRunning()) Sleep(1);
+  return static_cast<DWORD>(GetTickCount64() - start);
+}
+
+TEST_F(ProgramCommand, LeavesTheOldOrTheNewSnapshotWhenItIsKilled) {
+  const std::wstring file = folder.Path(L"s.json");
+  const DWORD whole = MillisecondsOf(file);
+  const std::size_t drivers = Json::parse(test::FileContent(file)).at("drivers").size();
+  int killed = 0;
+  int old = 0;
+  for (DWORD i = 0; i < 100; ++i) {
+    WriteText(file, "old");
+    const RunningSnapshot snapshot(file);
+    if (i % 2 == 0) {
+      Sleep(whole * i / 80);
+    } else {
+      // As soon as it writes.
+      while (snapshot.IsRunning() && folder.Files().size() < 2) Sleep(0);
+    }
+    killed += snapshot.Kill() ? 1 : 0;
+    const std::string content = test::FileContent(file);
+    if (content == "old") {
+      ++old;
+      continue;
+    }
+    const Json json = Json::parse(content, nullptr, false);
+    ASSERT_TRUE(json.is_object()) << "run " << i << ": half a snapshot of " << content.size() << " bytes";
+    ASSERT_EQ(json.at("drivers").size(), drivers) << "run " << i;
+  }
+  RecordProperty("killed", killed);
+  RecordProperty("old", old);
+  EXPECT_GT(killed, 20);
+  EXPECT_GT(old, 20);
+  EXPECT_LT(old, 100);
+  EXPECT_LE(folder.Files().size(), 2u) << "drafts pile up";
+  ASSERT_EQ(Snapshot(L"s.json").exitCode, 0u);
+  EXPECT_THAT(folder.Files(), ElementsAre(L"s.json"));
+}
+
+}  // namespace
