@@ -290,6 +290,56 @@ TEST_F(ProgramCommand, ListsWithAndWithoutItsName) {
   EXPECT_EQ(matched.exitCode, 0u);
 }
 
+/// What `arguments` print on a terminal of `width` columns.
+std::string OnATerminal(SHORT width, const std::vector<std::string>& arguments) {
+  const HMODULE program = GetModuleHandleA(nullptr);
+  const auto isOutput = [](HANDLE handle) -> BOOL { return handle == GetStdHandle(STD_OUTPUT_HANDLE); };
+  std::string written;
+  HOOK(info, program, GetConsoleScreenBufferInfo, [&](HANDLE handle, CONSOLE_SCREEN_BUFFER_INFO* buffer) -> BOOL {
+    buffer->srWindow = {0, 0, static_cast<SHORT>(width - 1), 24};
+    return isOutput(handle);
+  });
+  HOOK(get, program, GetConsoleMode, [&](HANDLE handle, DWORD*) { return isOutput(handle); });
+  HOOK(set, program, SetConsoleMode, [](HANDLE, DWORD) { return TRUE; });
+  HOOK(write, program, WriteConsoleW, [&](HANDLE, const void* text, DWORD length, DWORD* count, void*) -> BOOL {
+    written += driverlist::Utf8FromWide({static_cast<const wchar_t*>(text), length});
+    *count = length;
+    return TRUE;
+  });
+  const driverlist::Options options = driverlist::ParseCommandLine(arguments).options.value();
+  EXPECT_EQ(
+      options.command == driverlist::Command::Health ? driverlist::RunHealth(options) : driverlist::RunList(options),
+      options.command == driverlist::Command::Health ? 1 : 0);
+  return written;
+}
+
+TEST_F(ProgramCommand, IsColouredOnATerminal) {
+  const std::vector<std::string> list = {"--mode", "registered", "--where", "name=OiBus*"};
+  EXPECT_EQ(OnATerminal(80, list),
+            "\x1B[1mname\x1B[0m       \x1B[1mfile_version\x1B[0m    \x1B[1mstate\x1B[0m    "
+            "\x1B[1mstart_type\x1B[0m  \x1B[1mprovider\x1B[0m\n"
+            "OiBus.sys  6.2.9200.16384  \x1B[33mStopped\x1B[0m  Manual      Example Systems\n")
+      << "paths have no place there";
+  const test::EnvironmentVariable forbidden("NO_COLOR", "1");
+  EXPECT_EQ(
+      OnATerminal(120, list),
+      "name       file_version    state    start_type  provider         path\n"
+      "OiBus.sys  6.2.9200.16384  Stopped  Manual      Example Systems  C:\\windows\\system32\\drivers\\OiBus.sys\n");
+}
+
+TEST_F(ProgramCommand, ShowsAPathOnANarrowTerminalToThoseWhoAsk) {
+  const test::EnvironmentVariable forbidden("NO_COLOR", "1");
+  EXPECT_EQ(OnATerminal(40, {"--mode", "registered", "--where", "name=OiBus*", "--columns", "name,path"}),
+            "name       path\n"
+            "OiBus.sys  \u2026\\system32\\drivers\\OiBus.sys\n");
+}
+
+TEST_F(ProgramCommand, PutsNoColoursIntoJson) {
+  EXPECT_THAT(OnATerminal(80, {"--format", "json"}), Not(HasSubstr("\x1B")));
+  EXPECT_THAT(OnATerminal(80, {"health", "--format", "json"}), Not(HasSubstr("\x1B")));
+  EXPECT_THAT(OnATerminal(80, {"health"}), HasSubstr("\x1B[33m0000-0000-0000-0000_nodriver#\x1B[0m  Wine Adapter\n"));
+}
+
 /// A snapshot under way.
 class RunningSnapshot {
  public:

@@ -4,7 +4,7 @@
 #include <windows.h>
 // After windows.h.
 #include <initguid.h>
-//
+// Its keys are defined here, because of the header before.
 #include <devpkey.h>
 #include <setupapi.h>
 

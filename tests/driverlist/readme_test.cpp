@@ -1,6 +1,9 @@
-// The README's code is the example that the build compiles, and it runs.
+// The README's code is the example that the build compiles, and it runs. The manual shows what the program prints.
 #include <gmock/gmock.h>
 
+#include "columns.h"
+#include "healthrules.h"
+#include "options.h"
 #include "program.h"
 
 namespace {
@@ -14,6 +17,32 @@ TEST(Readme, HasAnExampleThatRuns) {
   const test::ProgramResult result = test::RunProgram("example_list.exe", L"");
   EXPECT_EQ(result.exitCode, 0u);
   EXPECT_EQ(result.errors, "");
+}
+
+std::string Manual() { return test::FileContent(L"..\\..\\docs\\driverlist.md"); }
+
+std::string PrintedForTheLaptop(const std::wstring& what) {
+  return test::FileContent(L"..\\samplemachine\\expected\\intel-laptop." + what);
+}
+
+TEST(Manual, ShowsWhatIsPrinted) {
+  EXPECT_THAT(Manual(), testing::HasSubstr("$ driverlist health\n" + PrintedForTheLaptop(L"health.txt") + "```\n"));
+  const std::string diff = PrintedForTheLaptop(L"diff.txt");
+  EXPECT_THAT(Manual(), testing::HasSubstr("Z\n" + diff.substr(diff.find("difference ")) + "```\n"));
+}
+
+TEST(Manual, ExplainsEveryFieldRuleAndOption) {
+  for (const driverlist::Column& column : driverlist::AllColumns()) {
+    EXPECT_THAT(Manual(), testing::HasSubstr("`" + std::string(column.name) + "`"));
+  }
+  for (const driverlist::HealthRule& rule : driverlist::HealthRules()) {
+    EXPECT_THAT(Manual(), testing::HasSubstr("| `" + rule.name + "` |"));
+  }
+  const std::string help = driverlist::ParseCommandLine({"--help"}).text;
+  for (std::size_t at = help.find("--"); at != std::string::npos; at = help.find("--", at + 2)) {
+    const std::string option = help.substr(at, help.find_first_not_of("abcdefghijklmnopqrstuvwxyz-", at) - at);
+    EXPECT_THAT(Manual(), testing::HasSubstr(option));
+  }
 }
 
 }  // namespace

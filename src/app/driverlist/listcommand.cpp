@@ -22,7 +22,8 @@ std::vector<DriverData> Listed(const Options& options) {
 
 /// Paths have no place on a narrow page, unless they are asked for.
 std::vector<Column> ColumnsFor(const Options& options, const Page& page) {
-  constexpr std::size_t wide = 120;
+  // A terminal of 120 columns, whose last stays empty.
+  constexpr std::size_t wide = 119;
   std::vector<Column> columns = options.columns;
   if (options.columnsChosen || page.width == 0 || page.width >= wide) return columns;
   columns.erase(
