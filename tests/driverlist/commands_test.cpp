@@ -409,7 +409,6 @@ TEST_F(ProgramCommand, LeavesTheOldOrTheNewSnapshotWhenItIsKilled) {
   RecordProperty("old", old);
   EXPECT_GT(killed, 20);
   EXPECT_GT(old, 20);
-  EXPECT_LT(old, 100);
   EXPECT_LE(folder.Files().size(), 2u) << "drafts pile up";
   ASSERT_EQ(Snapshot(L"s.json").exitCode, 0u);
   EXPECT_THAT(folder.Files(), ElementsAre(L"s.json"));
