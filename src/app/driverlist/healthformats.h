@@ -18,8 +18,8 @@ struct HealthContext {
   std::string time;
 };
 
-/// For each rule that found something, a line that says what it looks for and a row per finding below. A line says so when there
-/// is none.
+/// For each rule that found something, a line that says what it looks for and a row per finding below. A line says so when
+/// there is none.
 std::string FormatHealthTable(const std::vector<Finding>& findings, const Page& page);
 
 /// See docs/driverlist.md.

@@ -8,8 +8,8 @@
 
 namespace driverlist {
 
-/// Sorts `items` so that, where `isBefore` is consistent, they stand in its order, equals in the order in which they came. Ends,
-/// and keeps every item, whatever `isBefore` answers.
+/// Sorts `items` so that, where `isBefore` is consistent, they stand in its order, equals in the order in which they came.
+/// Ends, and keeps every item, whatever `isBefore` answers.
 template <typename Item, typename IsBefore>
 void InsertionSort(std::vector<Item>& items, IsBefore isBefore) {
   std::vector<Item> sorted;

@@ -45,9 +45,9 @@ struct MachineFacts {
 /// Asks this machine. What cannot be read is left out.
 MachineFacts CollectFacts();
 
-/// Where the image of a driver service is, for its configured path: `configured` below the Windows directory when it is relative
-/// or begins with "\SystemRoot\", without a leading "\??\", environment variables expanded; without one, the service's ".sys" in
-/// the folder of drivers. Empty for another kernel path, which names no file that could be looked at.
+/// Where the image of a driver service is, for its configured path: `configured` below the Windows directory when it is
+/// relative or begins with "\SystemRoot\", without a leading "\??\", environment variables expanded; without one, the service's
+/// ".sys" in the folder of drivers. Empty for another kernel path, which names no file that could be looked at.
 std::wstring ImagePath(const std::wstring& configured, const std::wstring& service,
                        const std::wstring& windowsDirectory);
 

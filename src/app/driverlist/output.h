@@ -7,8 +7,8 @@
 
 namespace driverlist {
 
-/// Characters that fit a line of the terminal behind standard output, less one: a full line would be followed by an empty one on
-/// some. 0 when there is no terminal.
+/// Characters that fit a line of the terminal behind standard output, less one: a full line would be followed by an empty one
+/// on some. 0 when there is no terminal.
 std::size_t TerminalWidth();
 
 /// The same of standard error.
@@ -21,8 +21,8 @@ std::string WriteStandardOutput(const std::string& text);
 void WriteStandardError(const std::string& text);
 
 /// Makes `text` the content of the file at `path` (UTF-8): whole, or not at all, in which case a former file stays as it is. A
-/// device, such as NUL, just gets it. The text is written to a draft beside the file, which takes its place; drafts of processes
-/// that ended before they came so far are removed. Returns an empty text, or what went wrong.
+/// device, such as NUL, just gets it. The text is written to a draft beside the file, which takes its place; drafts of
+/// processes that ended before they came so far are removed. Returns an empty text, or what went wrong.
 std::string WriteFileWhole(const std::string& path, const std::string& text);
 
 }  // namespace driverlist

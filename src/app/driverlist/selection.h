@@ -32,8 +32,8 @@ struct Selection {
 /// character for itself in either case. Both are UTF-8.
 bool MatchesPattern(std::string_view text, std::string_view pattern);
 
-/// The drivers that `selection` chooses, in its order, equals in the order in which they came. Versions are ordered as versions,
-/// sizes as numbers, dates as dates, all else as bytes of UTF-8; what is unknown comes first.
+/// The drivers that `selection` chooses, in its order, equals in the order in which they came. Versions are ordered as
+/// versions, sizes as numbers, dates as dates, all else as bytes of UTF-8; what is unknown comes first.
 std::vector<Orvane::DriverData> Select(std::vector<Orvane::DriverData> drivers, const Selection& selection);
 
 }  // namespace driverlist

@@ -32,7 +32,8 @@ struct Page {
   bool colours = false;
 };
 
-/// `text` in pieces of at most `columns` (not 0) characters, broken at blanks, which are dropped, and within words that are longer.
+/// `text` in pieces of at most `columns` (not 0) characters, broken at blanks, which are dropped, and within words that are
+/// longer.
 std::vector<std::string> Wrapped(const std::string& text, std::size_t columns);
 
 /// A line of titles and one line per row, columns aligned by blanks, lines ended by "\n". Where a line would be wider than the
