@@ -1,0 +1,89 @@
+"use strict";
+// Search and sorting. Without it the page shows everything, in the order of the listing.
+(() => {
+  const table = document.getElementById("drivers");
+  const body = table.tBodies[0];
+  const headers = Array.from(table.tHead.rows[0].cells);
+  const input = document.getElementById("search");
+  const shown = document.getElementById("shown");
+  const none = document.getElementById("none");
+
+  // What rows hold does not change: it is read once.
+  const rows = Array.from(body.rows, (element, position) => {
+    const texts = Array.from(element.cells, (cell) => cell.textContent);
+    return { element, position, texts, searched: texts.join("\n").toLowerCase() };
+  });
+
+  const search = () => {
+    const words = input.value.toLowerCase().split(/\s+/).filter((word) => word !== "");
+    let count = 0;
+    for (const row of rows) {
+      const found = words.every((word) => row.searched.includes(word));
+      row.element.hidden = !found;
+      if (found) count += 1;
+    }
+    const all = rows.length === 1 ? "1 driver" : `${rows.length} drivers`;
+    shown.value = words.length === 0 ? all : `${count} of ${all}`;
+    none.hidden = count > 0 || rows.length === 0;
+  };
+
+  const collator = new Intl.Collator("en", { numeric: true, sensitivity: "base" });
+  const compareNumbers = (a, b) => a.length - b.length || (a < b ? -1 : a > b ? 1 : 0);
+  // As the listing orders versions: components are hexadecimal numbers, of any length, where they look like it. Numbers come
+  // before other texts, so that the order has no circles.
+  const isNumber = (part) => /^[0-9a-f]+$/.test(part);
+  const versionParts = (text) => text.toLowerCase().split(/[. ]/).map((part) => (isNumber(part) ? part.replace(/^0+(?=.)/, "") : part));
+  const compareParts = (a, b) => {
+    if (isNumber(a) && isNumber(b)) return compareNumbers(a, b);
+    if (isNumber(a) !== isNumber(b)) return isNumber(a) ? -1 : 1;
+    return collator.compare(a, b);
+  };
+  const compareVersions = (a, b) => {
+    const length = Math.min(a.length, b.length);
+    for (let i = 0; i < length; ++i) {
+      const order = compareParts(a[i], b[i]);
+      if (order !== 0) return order;
+    }
+    return a.length - b.length;
+  };
+
+  // For each kind of column: what a cell's text says, null when it says nothing; and the order of two that say something.
+  const kinds = {
+    text: { key: (text) => text || null, compare: collator.compare },
+    number: { key: (text) => (/^\d+$/.test(text) ? Number(text) : null), compare: (a, b) => a - b },
+    version: { key: (text) => (/^(N\/A)?$/.test(text) ? null : versionParts(text)), compare: compareVersions },
+  };
+
+  // Cells that say nothing stay at the end, whatever the direction.
+  const sorted = (column, direction) => {
+    const { key, compare } = kinds[headers[column].dataset.kind];
+    const keyed = rows.map((row) => ({ row, key: key(row.texts[column]) }));
+    keyed.sort((a, b) => {
+      if (a.key === null || b.key === null) return (a.key === null) - (b.key === null) || a.row.position - b.row.position;
+      return direction * compare(a.key, b.key) || a.row.position - b.row.position;
+    });
+    return keyed.map(({ row }) => row.element);
+  };
+
+  const sort = (column) => {
+    const descending = headers[column].ariaSort === "ascending";
+    const fragment = document.createDocumentFragment();
+    for (const element of sorted(column, descending ? -1 : 1)) fragment.append(element);
+    body.append(fragment);
+    for (const header of headers) header.ariaSort = "none";
+    headers[column].ariaSort = descending ? "descending" : "ascending";
+  };
+
+  headers.forEach((header, column) => {
+    const button = document.createElement("button");
+    button.type = "button";
+    button.textContent = header.textContent;
+    button.addEventListener("click", () => sort(column));
+    header.replaceChildren(button);
+    header.ariaSort = "none";
+  });
+  input.addEventListener("input", search);
+  search();
+  document.getElementById("tools").hidden = false;
+  document.documentElement.classList.add("live");
+})();
