@@ -35,9 +35,9 @@ constexpr Field Fields[] = {{"name", "Name", "text", 18},
                             {"date", "Image date", "text", 16},
                             {"size", "Size, KiB", "number", 7},
                             {"product_version", "Product version", "version", 14},
-                            {"reserved1", "Reserved 1", "text", 8},
-                            {"reserved2", "Reserved 2", "text", 8},
-                            {"reserved_list", "Reserved list", "text", 8},
+                            {"reserved1", "Reserved 1", "text", 10},
+                            {"reserved2", "Reserved 2", "text", 10},
+                            {"reserved_list", "Reserved list", "text", 10},
                             {"found_by_device", "Found by device", "text", 8}};
 
 Field FieldOf(const Column& column) {

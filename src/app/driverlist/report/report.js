@@ -32,7 +32,8 @@
   // As the listing orders versions: components are hexadecimal numbers, of any length, where they look like it. Numbers come
   // before other texts, so that the order has no circles.
   const isNumber = (part) => /^[0-9a-f]+$/.test(part);
-  const versionParts = (text) => text.toLowerCase().split(/[. ]/).map((part) => (isNumber(part) ? part.replace(/^0+(?=.)/, "") : part));
+  const withoutZeroes = (part) => (isNumber(part) ? part.replace(/^0+(?=.)/, "") : part);
+  const versionParts = (text) => text.toLowerCase().split(/[. ]/).map(withoutZeroes);
   const compareParts = (a, b) => {
     if (isNumber(a) && isNumber(b)) return compareNumbers(a, b);
     if (isNumber(a) !== isNumber(b)) return isNumber(a) ? -1 : 1;
@@ -66,12 +67,12 @@
   };
 
   const sort = (column) => {
-    const descending = headers[column].ariaSort === "ascending";
+    const descending = headers[column].getAttribute("aria-sort") === "ascending";
     const fragment = document.createDocumentFragment();
     for (const element of sorted(column, descending ? -1 : 1)) fragment.append(element);
     body.append(fragment);
-    for (const header of headers) header.ariaSort = "none";
-    headers[column].ariaSort = descending ? "descending" : "ascending";
+    for (const header of headers) header.setAttribute("aria-sort", "none");
+    headers[column].setAttribute("aria-sort", descending ? "descending" : "ascending");
   };
 
   headers.forEach((header, column) => {
@@ -80,8 +81,12 @@
     button.textContent = header.textContent;
     button.addEventListener("click", () => sort(column));
     header.replaceChildren(button);
-    header.ariaSort = "none";
+    header.setAttribute("aria-sort", "none");
   });
+  // A browser lays out all rows of a table anew when one changes. When each is a grid, with columns as wide as the others',
+  // it can leave out those that are out of sight.
+  const shares = Array.from(table.getElementsByTagName("col"), (column) => `minmax(0, ${parseInt(column.width, 10)}fr)`);
+  table.style.setProperty("--columns", shares.join(" "));
   input.addEventListener("input", search);
   search();
   document.getElementById("tools").hidden = false;
