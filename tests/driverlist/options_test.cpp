@@ -58,6 +58,13 @@ TEST(Options, ShowEveryFieldToPrograms) {
   EXPECT_EQ(Parsed({"--format", "markdown"}).format, Format::Markdown);
 }
 
+TEST(Options, ShowOnAPageWhatPeopleAskFor) {
+  const Options options = Parsed({"--format", "html"});
+  EXPECT_EQ(options.format, Format::Html);
+  EXPECT_THAT(Names(options.columns), ElementsAre("name", "description", "provider", "file_version", "state",
+                                                  "start_type", "date", "size", "path"));
+}
+
 TEST(Options, ChooseColumnsInTheirOrder) {
   EXPECT_THAT(Names(Parsed({"--columns", "size,name,size"}).columns), ElementsAre("size", "name", "size"));
   EXPECT_THAT(Names(Parsed({"--columns", "found_by_device"}).columns), ElementsAre("found_by_device"));
@@ -181,7 +188,7 @@ TEST(Options, RefuseBadUsageInOneSentence) {
                             {{"--mode", ""}, "--mode: \"\" is none of all, by-device, registered."},
                             {{"--mode"}, "--mode takes one value, once."},
                             {{"--mode", "all", "--mode", "all"}, "--mode takes one value, once."},
-                            {{"--format", "xml"}, "--format: \"xml\" is none of csv, json, jsonl, markdown, table."},
+                            {{"--format", "xml"}, "--format: \"xml\" is none of csv, html, json, jsonl, markdown, table."},
                             {{"--columns", "name,colour"}, NO_FIELD("colour")},
                             {{"--columns", ""}, NO_FIELD("")},
                             {{"--columns"}, "--columns takes one value, once."},

@@ -80,6 +80,20 @@ TEST_F(Program, ListsRegisteredDriversAsJson) {
   EXPECT_EQ(json.dump(2) + "\n", Expected(L"registered.json"));
 }
 
+TEST_F(Program, ListsRegisteredDriversAsAPage) {
+  const ProgramResult result = Driverlist(L"--mode registered --format html --columns name,file_version");
+  EXPECT_EQ(result.exitCode, 0u);
+  EXPECT_EQ(result.errors, "");
+  EXPECT_THAT(result.output, testing::StartsWith("<!doctype html>\n"));
+  EXPECT_THAT(result.output, HasSubstr("<dd>Registered services (registered)</dd>"));
+  EXPECT_THAT(
+      result.output,
+      HasSubstr(
+          "<tbody>\n"
+          "<tr><th scope=\"row\" class=\"name\">OiBus.sys</th><td class=\"file_version\">6.2.9200.16384</td></tr>\n"
+          "<tr><th scope=\"row\" class=\"name\">OiGeraet.sys</th>"));
+}
+
 TEST_F(Program, WritesTheSameToAFile) {
   const std::wstring file = folder.Path(L"\u0436 list.txt");
   const ProgramResult result = Driverlist(L"--mode registered --output \"" + file + L"\"");

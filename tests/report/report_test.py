@@ -1,7 +1,9 @@
 """The HTML report in a real browser: report_test.py FOLDER [TEST...], FOLDER holding the pages that write-reports wrote."""
 
 import http.server
+import json
 import pathlib
+import re
 import signal
 import statistics
 import sys
@@ -93,8 +95,9 @@ class Page(unittest.TestCase):
     def sort_states(self):
         """Labels of the headers that say that they sort, with the direction."""
         return chromium.run(
-            """const headers = Array.from(document.querySelectorAll("thead th")).filter((th) => th.ariaSort !== "none");
-            return Object.fromEntries(headers.map((th) => [th.textContent, th.getAttribute("aria-sort")]));""")
+            """const headers = Array.from(document.querySelectorAll("thead th"));
+            const states = headers.map((th) => [th.textContent, th.getAttribute("aria-sort")]);
+            return Object.fromEntries(states.filter(([, state]) => state !== "none"));""")
 
 
 class Search(Page):
@@ -208,6 +211,41 @@ class Reading(Page):
         self.assertEqual(self.element("table").accessible_name, "All drivers")
 
 
+class SampleMachine(Page):
+    """The page that driverlist writes, against the list that was checked by hand."""
+
+    COLUMNS = ("name", "description", "provider", "file_version", "state", "start_type", "date", "size", "path")
+
+    def expected(self, machine):
+        path = pathlib.Path(__file__).parent.parent / "samplemachine" / "expected" / f"{machine}.all.json"
+        drivers = json.loads(path.read_text(encoding="utf-8"))["drivers"]
+        for driver in drivers:
+            date = re.sub(r"^(..)/(..)/(....)", r"\3-\1-\2", driver["date"])
+            # So records write midnight.
+            driver["date"] = re.sub(" $", " 00:00:00", date)
+        return drivers
+
+    def assert_is_as_expected(self, machine):
+        self.open(f"{machine}.html")
+        drivers = self.expected(machine)
+        self.assertGreater(len(drivers), 10)
+        for column in self.COLUMNS:
+            self.assertEqual(self.column(column), [driver[column] for driver in drivers])
+        self.assertEqual(self.shown(), f"{len(drivers)} drivers")
+        running = [driver["name"] for driver in drivers if driver["state"] == "Running"]
+        self.search("running")
+        self.assertEqual(self.names(), running)
+        self.header("Name").click()
+        self.header("Name").click()
+        self.assertEqual(self.names(), sorted(running, key=str.lower, reverse=True))
+
+    def test_intel_laptop(self):
+        self.assert_is_as_expected("intel-laptop")
+
+    def test_amd_server(self):
+        self.assert_is_as_expected("amd-server")
+
+
 class HostileRecords(Page):
     def setUp(self):
         self.open("hostile.html")
@@ -230,8 +268,8 @@ class HostileRecords(Page):
 
     def test_add_no_element_and_run_no_script(self):
         count = "return document.querySelectorAll(arguments[0]).length"
-        elements = {"script": 1, "style": 1, "table": 1, "h1": 1, "tbody tr": 12, "tbody tr > *": 12 * 14, "img": 0, "iframe": 0,
-                    "svg": chromium.run(count, ".bars li"), "[onload], [onerror], [onmouseover]": 0}
+        elements = {"script": 1, "style": 1, "table": 1, "h1": 1, "tbody tr": 12, "tbody tr > *": 12 * 14, "img": 0,
+                    "iframe": 0, "svg": chromium.run(count, ".bars li"), "[onload], [onerror], [onmouseover]": 0}
         self.assertEqual({selector: chromium.run(count, selector) for selector in elements}, elements)
         kinds = chromium.run(
             "return Array.from(new Set(Array.from(document.querySelectorAll('tbody *'), (e) => e.localName))).sort()")
@@ -300,6 +338,7 @@ class Policy(Page):
 
     def test_forbids_fetching_and_other_scripts(self):
         self.assertEqual(self.attack(folder / "hostile.html"), (set(), [False, False]))
+        self.assertTrue([line for line in chromium.messages() if "Content Security Policy" in line], "the console is heard")
 
     def test_is_what_forbids_them(self):
         html = (folder / "hostile.html").read_text(encoding="utf-8")
@@ -309,6 +348,8 @@ class Policy(Page):
             asked, ran = self.attack(copy)
         self.assertEqual(asked, {"/image", "/script", "/frame", "/style", "/fetch"})
         self.assertEqual(ran, [True, True])
+        noticed = [address for address in chromium.requests() if address.startswith("http:")]
+        self.assertEqual(len(noticed), 5, "the requests of a page are noticed")
 
 
 class Large(Page):
@@ -364,7 +405,8 @@ class Large(Page):
     def test_keeps_search_and_headers_in_sight(self):
         for down, right in ((30000, 0), (30000, 250)):
             chromium.run("window.scrollTo(arguments[1], arguments[0])", down, right)
-            rectangle = "const r = document.querySelector(arguments[0]).getBoundingClientRect(); return [r.top, r.bottom, r.left]"
+            rectangle = """const { top, bottom, left } = document.querySelector(arguments[0]).getBoundingClientRect();
+                return [top, bottom, left];"""
             search_top, search_bottom, search_left = chromium.run(rectangle, "#search")
             head_top, head_bottom, _ = chromium.run(rectangle, "thead th")
             self.assertGreaterEqual(search_top, 0)
@@ -416,7 +458,8 @@ class Layout(Page):
         for scheme in ("light", "dark"):
             chromium.command("Emulation.setEmulatedMedia",
                              features=[{"name": "prefers-color-scheme", "value": scheme}])
-            for text, ground in (("h1", "body"), (".facts dt", "body"), (".bars .label", ".chart"), (".bars .unknown .label", ".chart"), (".figures dt", ".figures > div"),
+            for text, ground in (("h1", "body"), (".facts dt", "body"), (".figures dt", ".figures > div"),
+                                 (".bars .label", ".chart"), (".bars .unknown .label", ".chart"),
                                  ("thead button", "thead th"), ("tbody td", "table"), ("#shown", ".tools")):
                 self.assertGreaterEqual(self.contrast(text, ground), 4.5, f"{text} in {scheme}")
         self.assertLess(self.luminance("body", "backgroundColor"), 0.05)

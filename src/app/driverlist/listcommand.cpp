@@ -5,6 +5,7 @@
 #include "context.h"
 #include "delivery.h"
 #include "formats.h"
+#include "htmlformat.h"
 #include "progress.h"
 
 namespace driverlist {
@@ -46,6 +47,8 @@ std::string Formatted(const Options& options, const std::vector<DriverData>& dri
       return FormatJson(drivers, options.columns, context);
     case Format::JsonLines:
       return FormatJsonLines(drivers, options.columns, context);
+    case Format::Html:
+      return FormatHtml(drivers, options.columns, context);
     case Format::Markdown:
       return FormatMarkdown(drivers, options.columns);
     case Format::Table:

@@ -10,11 +10,9 @@ namespace {
 
 const std::map<std::string, Orvane::DriverInfoSetType> Modes = {
     {"all", Orvane::All}, {"registered", Orvane::Registered}, {"by-device", Orvane::ByDevice}};
-const std::map<std::string, Format> ListFormats = {{"table", Format::Table},
-                                                   {"csv", Format::Csv},
-                                                   {"json", Format::Json},
-                                                   {"jsonl", Format::JsonLines},
-                                                   {"markdown", Format::Markdown}};
+const std::map<std::string, Format> ListFormats = {{"table", Format::Table}, {"csv", Format::Csv},
+                                                   {"json", Format::Json},   {"jsonl", Format::JsonLines},
+                                                   {"html", Format::Html},   {"markdown", Format::Markdown}};
 const std::map<std::string, Format> ReportFormats = {{"table", Format::Table}, {"json", Format::Json}};
 
 template <typename Value>
@@ -32,6 +30,8 @@ std::vector<std::string> ColumnNames() {
 
 std::vector<std::string> DefaultColumns(Format format) {
   if (format == Format::Table) return {"name", "file_version", "state", "start_type", "provider", "path"};
+  if (format == Format::Html)
+    return {"name", "description", "provider", "file_version", "state", "start_type", "date", "size", "path"};
   return ColumnNames();
 }
 

@@ -15,7 +15,7 @@ namespace driverlist {
 enum class Command { List, Snapshot, Diff, Health };
 
 /// `diff` and `health` know the table and JSON.
-enum class Format { Table, Csv, Json, JsonLines, Markdown };
+enum class Format { Table, Csv, Json, JsonLines, Html, Markdown };
 
 /// What is not said of a command belongs to all of them. Texts and paths are UTF-8.
 struct Options {
@@ -30,7 +30,7 @@ struct Options {
 
   /// `list`.
   Orvane::DriverInfoSetType mode = Orvane::All;
-  /// `list`: what to show; for the table without a choice the columns that most people ask for, else all.
+  /// `list`: what to show; for the table and the page without a choice the columns that most people ask for, else all.
   std::vector<Column> columns;
   /// `list`: whether the user chose them.
   bool columnsChosen = false;
