@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cctype>
 #include <utility>
 
 #include "handles.h"
@@ -17,24 +16,11 @@
 namespace Orvane {
 namespace {
 
-// Names of platform components: the same on every machine that has them, with or without a driver.
-const std::string IntelGpio = "INTC-VOKTA_IALPSS2_GPIO2_MTL_0000-0000-0000-0000";
-const std::string IntelEventFilter = "INTC-VOKTA_HIDEVENTFILTER_0000-0000-0000-0000";
+// Names of platform components that have no driver: the same on every machine that has them.
 const std::string AmdGpio = "AMD-VOKTA_AMDGPIO2_0000-0000-0000-0000";
 const std::string AmdUart = "AMD-VOKTA_AMDUART_0000-0000-0000-0000";
 const std::string AmdI2c = "AMD-VOKTA_AMDI2C_0000-0000-0000-0000";
 const std::string AmdDrtm = "AMD-VOKTA_AMDDRTM_0000-0000-0000-0000";
-
-bool IsIntelGpio(const PciDeviceRecord& device) {
-  return device.vendor_id == "INTC" && (device.device_id == "105E" || device.device_id == "1083");
-}
-
-bool IsIntelEventFilter(const PciDeviceRecord& device) {
-  static const std::array<std::string, 12> deviceIds = {"1051", "1054", "1070", "1076", "1077", "1078",
-                                                        "107B", "10CB", "10CC", "10F1", "10F2", "110E"};
-  return device.vendor_id == "INTC" &&
-         std::find(deviceIds.begin(), deviceIds.end(), device.device_id) != deviceIds.end();
-}
 
 /// A driver package that leaves nothing but a version value in the registry.
 struct RegistryPackage {
@@ -155,26 +141,7 @@ void DeviceDiscovery::ResolveDeviceDrivers(const std::vector<PciDeviceRecord>& d
   DetectAmdPshedPlugin(drivers);
 }
 
-std::string DeviceDiscovery::DriverBaseName(const std::string& name) {
-  std::string lower = name;
-  for (char& c : lower) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-  for (const char* const extension : {".inf", ".sys"}) {
-    const std::size_t position = lower.find(extension);
-    if (position != std::string::npos) return name.substr(0, position);
-  }
-  return name;
-}
-
-std::string DeviceIdentity(const PciDeviceRecord& device) {
-  return device.vendor_id + "-" + device.device_id + "-" + device.identity_part3 + "-" + device.identity_part4;
-}
-
-std::string DeviceRecordName(const PciDeviceRecord& device, const std::string& base) {
-  if (IsIntelGpio(device)) return IntelGpio;
-  if (IsIntelEventFilter(device)) return IntelEventFilter;
-  if (base.empty()) return DeviceIdentity(device) + "_nodriver#";
-  return base + "_" + DeviceIdentity(device);
-}
+std::string DeviceDiscovery::DriverBaseName(const std::string& name) { return Orvane::DriverBaseName(name); }
 
 void ApplyAmdComponentIdentities(std::vector<DriverData>& drivers) {
   const std::pair<const char*, const std::string&> identities[] = {{"AMDI-0030-0000-0000_nodriver#", AmdGpio},

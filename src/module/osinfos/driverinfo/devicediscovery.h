@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "driverinfo.h"
+#include "drivernames.h"
 
 namespace Orvane {
 
@@ -25,17 +26,9 @@ struct DeviceDiscovery {
   /// DeviceRecordName(), or one no-driver record; then the chipset packages. Logs devices and records at level 3.
   static void ResolveDeviceDrivers(const std::vector<PciDeviceRecord>& devices, std::vector<DriverData>& drivers);
 
-  /// `name` up to its first ".inf", in any case; without one, up to its first ".sys"; else the whole of it.
+  /// The function of this name in drivernames.h.
   static std::string DriverBaseName(const std::string& name);
 };
-
-/// What tells `device` from others: `vendor_id`, `device_id`, `identity_part3` and `identity_part4`, joined by "-".
-std::string DeviceIdentity(const PciDeviceRecord& device);
-
-/// Name of the record that binds a driver to `device`. `base` is the base name of the driver's file, empty for a device
-/// without driver. Two kinds of Intel platform component have fixed names, whatever `base` is; else it is `base`, "_" and the
-/// identity, or the identity and "_nodriver#" without `base`.
-std::string DeviceRecordName(const PciDeviceRecord& device, const std::string& base);
 
 /// Gives four AMD platform components that have no driver their fixed names, and the file version "N/A": of each, the first
 /// no-driver record of `drivers`. Logs each at level 3.

@@ -17,6 +17,7 @@
 #include <optional>
 #include <utility>
 
+#include "drivernames.h"
 #include "handles.h"
 #include "logline.h"
 #include "platformtext.h"
@@ -165,7 +166,8 @@ class VersionResource {
   /// The text `key` of the string table of `translation`; empty when there is none.
   std::string Text(const Translation& translation, const char* key) const {
     char path[64];
-    std::snprintf(path, sizeof(path), "\\StringFileInfo\\%04x%04x\\%s", translation.language, translation.codePage, key);
+    std::snprintf(path, sizeof(path), "\\StringFileInfo\\%04x%04x\\%s", translation.language, translation.codePage,
+                  key);
     return TextWithin(static_cast<const char*>(Query(path)), m_bytes.get(), m_size);
   }
 
@@ -338,14 +340,7 @@ void PackageFiles::GetDriveInfoFromSysFile(std::string sysFilePath, SysFileInfo&
 }
 
 void PackageFiles::SplitAtSemicolon(const std::string& text, std::string& before, std::string& after) {
-  const std::size_t semicolon = text.find(';');
-  if (semicolon == std::string::npos) {
-    before = after = text;
-    return;
-  }
-  std::string tail = text.substr(semicolon + 1);
-  before = text.substr(0, semicolon);
-  after = std::move(tail);
+  Orvane::SplitAtSemicolon(text, before, after);
 }
 
 std::string PackageFiles::FileTimeToText(const FILETIME& fileTime) {

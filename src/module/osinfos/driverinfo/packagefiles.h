@@ -45,7 +45,7 @@ struct PackageFiles {
   /// one thread at a time. Logs its beginning and end at level 4, and nothing else.
   static void GetDriveInfoFromSysFile(std::string sysFilePath, SysFileInfo& info);
 
-  /// Splits `text` at its first ";", which is dropped. Without one, both `before` and `after` are the whole text.
+  /// The function of this name in drivernames.h.
   static void SplitAtSemicolon(const std::string& text, std::string& before, std::string& after);
 
   /// `fileTime` (UTC) in the machine's time zone, as FormatLocalTime() writes it. Empty, with a line at level 4, for a time

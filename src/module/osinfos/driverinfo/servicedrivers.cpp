@@ -2,8 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <boost/algorithm/string/case_conv.hpp>
-#include <boost/algorithm/string/predicate.hpp>
 #include <utility>
 
 #include "devicediscovery.h"
@@ -168,13 +166,6 @@ std::string SizeInKiB(const WIN32_FIND_DATAA& file) {
   return std::to_string((static_cast<unsigned long long>(file.nFileSizeHigh) << 22) | (file.nFileSizeLow >> 10));
 }
 
-/// "ACPI.sys" for "...\ACPI.SYS": the file name up to its first ".", with the extension of a driver.
-std::string RecordName(const std::string& path) {
-  const std::string file = path.substr(path.rfind('\\') + 1);
-  const std::size_t dot = file.find('.');
-  return dot == std::string::npos ? file : file.substr(0, dot) + ".sys";
-}
-
 /// Appends the driver of `service` to `drivers` and to `cache`, or logs why there is nothing to append.
 void AppendDriver(SC_HANDLE manager, const DriverService& service, std::vector<DriverData>& drivers,
                   std::vector<DriverData>& cache) {
@@ -206,7 +197,7 @@ void AppendDriver(SC_HANDLE manager, const DriverService& service, std::vector<D
   driver.date = PackageFiles::FileTimeToText(file.ftCreationTime);
   SysFileInfo versions = ReadVersions(path);
   found.reset();
-  driver.name = RecordName(path);
+  driver.name = ImageRecordName(path);
   driver.description = std::move(versions.description);
   driver.provider = std::move(versions.company);
   driver.path = std::move(path);
@@ -217,17 +208,6 @@ void AppendDriver(SC_HANDLE manager, const DriverService& service, std::vector<D
   ORVANE_LOG(4) << "DRIVERINFO.name=" << driver.name << " DRIVERINFO.file_version=" << driver.file_version;
   drivers.push_back(driver);
   cache.push_back(std::move(driver));
-}
-
-/// The first place to look for an image, by the form of its registry path.
-std::string FirstCandidate(const std::string& path, const std::string& systemDirectory) {
-  using boost::algorithm::starts_with;
-  if (path.find(':') != std::string::npos) return path;
-  for (const char* const prefix : {"\\system32", "system32", "\\System32", "System32", "\\SystemRoot\\"}) {
-    // What follows the last "32" of the whole path, wherever that stands. Without any, the position behind it wraps to 1.
-    if (starts_with(path, prefix)) return systemDirectory + path.substr(path.rfind("32") + 2);
-  }
-  return systemDirectory + "\\drivers\\" + path;
 }
 
 FindHandle FindCandidate(const std::string& candidate, WIN32_FIND_DATAA* findData) {
@@ -262,16 +242,6 @@ std::string ServiceStateName(DWORD state) { return NameAt(ServiceStateNames, sta
 
 std::string ServiceStartTypeName(DWORD startType) { return NameAt(ServiceStartTypeNames, startType); }
 
-std::string GetImageFileName(const char* configuredPath, const char* serviceName) {
-  const std::string path = configuredPath != nullptr ? configuredPath : "";
-  const std::string name = serviceName != nullptr ? serviceName : "";
-  if (path.find("\\??\\") != std::string::npos) return path.substr(4);
-  if (path.empty()) return name + ".sys";
-  // In lower case by the process's global locale.
-  const std::string lower = boost::algorithm::to_lower_copy(path);
-  return lower.substr(lower.rfind('\\') + 1);
-}
-
 HANDLE FindDriverFile(std::string& path, WIN32_FIND_DATAA* findData) {
   std::array<char, MAX_PATH> systemDirectory{};
   std::array<char, MAX_PATH> windowsDirectory{};
@@ -279,7 +249,7 @@ HANDLE FindDriverFile(std::string& path, WIN32_FIND_DATAA* findData) {
   GetWindowsDirectoryA(windowsDirectory.data(), MAX_PATH);
   const std::string system = BoundedText(systemDirectory.data(), systemDirectory.size());
 
-  std::string candidate = FirstCandidate(path, system);
+  std::string candidate = FirstImagePlace(path, system);
   FindHandle found = FindCandidate(candidate, findData);
   if (!found) {
     candidate = system + "\\" + path;

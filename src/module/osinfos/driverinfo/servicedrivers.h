@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "driverinfo.h"
+#include "drivernames.h"
 
 namespace Orvane {
 
@@ -28,11 +29,6 @@ std::string ServiceStateName(DWORD state);
 
 /// Name of a start type (QUERY_SERVICE_CONFIGA::dwStartType); empty for a number that is none.
 std::string ServiceStartTypeName(DWORD startType);
-
-/// File name that names the registry key of a driver. `configuredPath` is the image path of its service configuration: one
-/// that holds "\??\" loses its first four characters, any other gives its last component in lower case, an empty one gives
-/// `serviceName` and ".sys". Null pointers are empty texts.
-std::string GetImageFileName(const char* configuredPath, const char* serviceName);
 
 /// Finds a driver image by its registry path: as it stands when it holds a ":", else in the system directory (relative paths
 /// in its folder "drivers"), then in the system and in the Windows directory. Each place is tried a second time with WoW64
