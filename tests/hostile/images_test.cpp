@@ -8,6 +8,7 @@
 
 #include "guardedmemory.h"
 #include "hostile.h"
+#include "imagefile.h"
 #include "importhook.h"
 #include "packagefiles.h"
 #include "scratchmachine.h"
@@ -16,6 +17,7 @@ using Orvane::PackageFiles;
 using Orvane::SysFileInfo;
 using test::GuardedMemory;
 using test::HostileBatch;
+using test::ImageFile;
 using test::Random;
 
 namespace {
@@ -154,77 +156,6 @@ void ExpectTextsOf(const std::string& buffer, const SysFileInfo& info) {
   }
 }
 
-/// A file that is an image with a version resource, which changes from input to input.
-class ImageFile {
- public:
-  ImageFile(const std::string& name, const std::string& resource)
-      : m_file(test::TemporaryFile(name), L"images\\noresource.sys"), m_good(resource) {
-    test::SetVersionResource(m_file.Path(), std::vector<char>(resource.begin(), resource.end()));
-    Open(GENERIC_READ, [this](HANDLE file) {
-      m_bytes.resize(GetFileSize(file, nullptr));
-      DWORD read = 0;
-      return ReadFile(file, m_bytes.data(), static_cast<DWORD>(m_bytes.size()), &read, nullptr);
-    });
-    m_offset = m_bytes.find(resource);
-    m_place = static_cast<DWORD>(AddressOf(m_offset));
-    m_entry = m_bytes.find(Entry(m_place, static_cast<DWORD>(resource.size())));
-    if (m_entry == std::string::npos) throw std::runtime_error("the resource is not in the image");
-  }
-
-  const std::string& Path() const { return m_file.Path(); }
-  const std::string& Good() const { return m_good; }
-  DWORD Place() const { return m_place; }
-
-  /// Damaged bytes in the place of the good ones; the directory says that they are at `place` and `size` long.
-  void Rewrite(std::string resource, DWORD place, DWORD size) {
-    resource.resize(m_good.size());
-    Open(GENERIC_WRITE,
-         [&](HANDLE file) { return Write(file, m_offset, resource) && Write(file, m_entry, Entry(place, size)); });
-  }
-
- private:
-  /// What the resource directory says of a resource.
-  static std::string Entry(DWORD place, DWORD size) {
-    std::string entry(8, '\0');
-    std::memcpy(entry.data(), &place, sizeof(place));
-    std::memcpy(entry.data() + sizeof(place), &size, sizeof(size));
-    return entry;
-  }
-
-  /// Where the byte at `offset` of the file stands once the image is loaded, relative to its beginning.
-  std::size_t AddressOf(std::size_t offset) const {
-    const auto* const dos = reinterpret_cast<const IMAGE_DOS_HEADER*>(m_bytes.data());
-    const auto* const headers = reinterpret_cast<const IMAGE_NT_HEADERS*>(m_bytes.data() + dos->e_lfanew);
-    const IMAGE_SECTION_HEADER* section = IMAGE_FIRST_SECTION(headers);
-    for (WORD i = 0; i < headers->FileHeader.NumberOfSections; ++i, ++section) {
-      if (offset >= section->PointerToRawData && offset - section->PointerToRawData < section->SizeOfRawData)
-        return offset - section->PointerToRawData + section->VirtualAddress;
-    }
-    throw std::runtime_error("the resource is in no section");
-  }
-
-  static bool Write(HANDLE file, std::size_t offset, const std::string& bytes) {
-    DWORD written = 0;
-    return SetFilePointer(file, static_cast<LONG>(offset), nullptr, FILE_BEGIN) != INVALID_SET_FILE_POINTER &&
-           WriteFile(file, bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr);
-  }
-
-  template <typename Act>
-  void Open(DWORD access, Act act) {
-    const HANDLE file = CreateFileA(m_file.Path().c_str(), access, 0, nullptr, OPEN_EXISTING, 0, nullptr);
-    const bool done = file != INVALID_HANDLE_VALUE && act(file);
-    CloseHandle(file);
-    if (!done) throw std::runtime_error("the image cannot be changed");
-  }
-
-  test::ScratchFile m_file;
-  std::string m_good;
-  std::string m_bytes;
-  std::size_t m_offset = 0;
-  std::size_t m_entry = 0;
-  DWORD m_place = 0;
-};
-
 TEST(HostileImages, AreReadFromFiles) {
   std::vector<std::unique_ptr<ImageFile>> images;
   for (const std::string& resource : GoodResources()) {
@@ -250,6 +181,32 @@ TEST(HostileImages, AreReadFromFiles) {
     withVersion += !info.file_version.empty();
   });
   EXPECT_GT(withVersion, batch.Size() / 2) << "most inputs are too damaged to reach anything";
+}
+
+/// Numbers of the headers and of the resource directory, by which the platform finds its way to the resource.
+void DamageWay(std::string& image, std::size_t entry, Random& random) {
+  const std::size_t largest = std::size_t{1} << 8 * (1 + random.Below(4));
+  const std::size_t number = random.OneIn(3) ? random.Below(largest) : random.Below(0x20000);
+  const std::size_t offset = random.OneIn(2) ? entry - random.Below(0x60) : random.Below(0x400);
+  for (std::size_t i = 0; i < 1 + random.Below(4); ++i) image[offset + i] = static_cast<char>(number >> 8 * i);
+}
+
+TEST(HostileImages, MayHaveDamagedHeadersAndDirectories) {
+  ImageFile image("hostile.sys", GoodResources().front());
+  std::size_t withVersion = 0;
+  HostileBatch batch("image headers and resource directories");
+  batch.ForEach([&](Random& random) {
+    std::string bytes = image.Bytes();
+    for (std::size_t damage = 1 + random.Below(3); damage > 0; --damage) DamageWay(bytes, image.Entry(), random);
+    image.Rewrite(bytes);
+    const SysFileInfo info = Read(image.Path());
+    EXPECT_EQ(info.file_version.empty(), info.product_version.empty());
+    if (!info.file_version.empty()) VersionBytes(info.file_version);
+    EXPECT_LE(info.description.size() + info.company.size(), bytes.size());
+    withVersion += !info.file_version.empty();
+  });
+  EXPECT_GT(withVersion, 0u);
+  EXPECT_LT(withVersion, batch.Size());
 }
 
 /// Stands in for the files: each reading gives `resource`, in a buffer with nothing behind it.

@@ -19,6 +19,7 @@
 
 #include "drivernames.h"
 #include "handles.h"
+#include "imagecheck.h"
 #include "logline.h"
 #include "platformtext.h"
 
@@ -126,8 +127,9 @@ std::optional<Translation> lastTranslation;
 /// buffer.
 class VersionResource {
  public:
-  /// Empty when the image cannot be read or has no version resource.
+  /// Empty when the image cannot be read, is damaged, or has no version resource.
   explicit VersionResource(const std::string& path) {
+    if (!IsSoundImage(path)) return;
     DWORD handle = 0;
     const DWORD size = GetFileVersionInfoSizeA(path.c_str(), &handle);
     // No image has room for more; a larger one is damaged.

@@ -1,0 +1,25 @@
+/// @file
+/// Whether the platform may be asked for the version resource of a file. Needs nothing of the platform.
+///
+/// The platform maps an image and follows the numbers in its headers and in its resource directory. Windows survives where they lead
+/// out of the image; Wine does not, and ends the process.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <string>
+
+namespace Orvane {
+
+/// Reads `size` bytes at `offset` of a file into `bytes`; false when the file has not all of them.
+using ReadBytes = std::function<bool(std::uint64_t offset, void* bytes, std::size_t size)>;
+
+/// False for an image whose headers, sections, version resource or way to it lie in part outside of it: one that Windows would not
+/// load either, or that has no version resource to read. True for any other file, also for one that is no image at all.
+bool IsSoundImage(std::uint64_t fileSize, const ReadBytes& read);
+
+/// The same for the file at `path` (full path, in the ANSI code page). True for a file that cannot be opened.
+bool IsSoundImage(const std::string& path);
+
+}  // namespace Orvane

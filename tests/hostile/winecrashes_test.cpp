@@ -1,0 +1,96 @@
+// Inputs on which Wine 8 itself ends the process, each with the reason, and that the library does not come to that. Windows answers all
+// of them with a failure.
+#include <gmock/gmock.h>
+#include <windows.h>
+// After windows.h.
+#include <setupapi.h>
+
+#include <cstring>
+
+#include "guardedmemory.h"
+#include "imagefile.h"
+#include "packagefiles.h"
+
+using namespace Orvane;
+using test::GuardedMemory;
+using test::ImageFile;
+
+namespace {
+
+/// Whether the platform survives what Wine does not.
+void ExpectCrashOfWine(const std::function<void()>& act) { EXPECT_EQ(test::Crashes(act), test::IsWine()); }
+
+std::string Resource() {
+  test::VersionSettings settings;
+  settings.texts = {{L"CompanyName", L"Example Systems"}};
+  settings.file[0] = 6;
+  const std::vector<char> bytes = test::VersionResourceBytes(settings);
+  return std::string(bytes.begin(), bytes.end());
+}
+
+std::string FileVersion(const std::string& path) {
+  SysFileInfo info;
+  PackageFiles::GetDriveInfoFromSysFile(path, info);
+  return info.file_version;
+}
+
+// SetupFindFirstLineA follows the handle of a failed open. The library tests it.
+TEST(WineCrashes, OnTheHandleOfAnInfThatCannotBeOpened) {
+  ExpectCrashOfWine([] {
+    INFCONTEXT line{};
+    SetupFindFirstLineA(INVALID_HANDLE_VALUE, "version", "DriverVer", &line);
+  });
+  std::vector<DriverData> drivers;
+  PackageFiles::ReadInfPackage("C:\\no such file.inf", drivers);
+  EXPECT_EQ(drivers.size(), 0u);
+}
+
+// VerQueryValueA writes the narrow form of a text behind the resource, which is where the resource says that it ends. The library's
+// buffer has room for all that it can say.
+TEST(WineCrashes, OnAResourceThatSaysToBeLongerThanItIs) {
+  std::string resource = Resource();
+  resource[0] = '\xF0';
+  resource[1] = '\xFF';
+  GuardedMemory memory(1 << 16);
+  ExpectCrashOfWine([&] {
+    void* value = nullptr;
+    UINT size = 0;
+    VerQueryValueA(memory.Put(resource + std::string(resource.size() + 4, '\0')),
+                   "\\StringFileInfo\\040904b0\\CompanyName", &value, &size);
+  });
+  ImageFile image("crash.sys", Resource());
+  image.Rewrite(resource, image.Place(), static_cast<DWORD>(resource.size()));
+  EXPECT_EQ(FileVersion(image.Path()), "6.0.0.0");
+}
+
+// GetFileVersionInfoA copies the resource from where the directory says that it is, as much as that says. The library looks first.
+TEST(WineCrashes, OnAResourceThatLiesOutsideOfItsImage) {
+  for (const bool isElsewhere : {false, true}) {
+    // Wine keeps the image open on which it crashed.
+    ImageFile image(isElsewhere ? "elsewhere.sys" : "large.sys", Resource());
+    EXPECT_EQ(FileVersion(image.Path()), "6.0.0.0");
+    const auto size = static_cast<DWORD>(image.Good().size());
+    image.Rewrite(image.Good(), isElsewhere ? 0x7000000 : image.Place(), isElsewhere ? size : 0x100000);
+    EXPECT_EQ(FileVersion(image.Path()), "");
+    ExpectCrashOfWine([&] {
+      std::vector<char> buffer(0x300000);
+      GetFileVersionInfoA(image.Path().c_str(), 0, static_cast<DWORD>(buffer.size()), buffer.data());
+    });
+  }
+}
+
+// GetFileVersionInfoSizeA follows a directory wherever it leads. The library looks first.
+TEST(WineCrashes, OnAResourceDirectoryThatLiesOutsideOfItsImage) {
+  ImageFile image("crash.sys", Resource());
+  std::string bytes = image.Bytes();
+  // The first entry of the first level leads to the second, by an offset whose highest bit says that it is one.
+  bytes[image.Entry() - 0x48 + 0x16] = '\x70';
+  image.Rewrite(bytes);
+  ExpectCrashOfWine([&] {
+    DWORD handle = 0;
+    GetFileVersionInfoSizeA(image.Path().c_str(), &handle);
+  });
+  EXPECT_EQ(FileVersion(image.Path()), "");
+}
+
+}  // namespace
