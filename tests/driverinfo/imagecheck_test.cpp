@@ -69,7 +69,11 @@ TEST_F(ImageCheck, LeavesToThePlatformWhatIsNoImage) {
   EXPECT_TRUE(IsSound("MZ"));
   EXPECT_TRUE(IsSound(std::string(10'000, 'M')));
   EXPECT_TRUE(IsSound(With(good, 60, 0x7FFFFFFF)));
-  EXPECT_TRUE(IsSound(With(good, headers, 0x454E))) << "an image of 16-bit Windows";
+}
+
+TEST_F(ImageCheck, RefusesSignaturesThatAreNoDrivers) {
+  EXPECT_FALSE(IsSound(With(good, headers, 0x454E))) << "an image of 16-bit Windows";
+  EXPECT_FALSE(IsSound(With(good, headers, 0x14550))) << "half of the signature";
 }
 
 TEST_F(ImageCheck, RefusesHeadersThatLieOutsideOfTheImage) {

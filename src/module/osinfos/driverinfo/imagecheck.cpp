@@ -70,7 +70,13 @@ Soundness ReadImage(std::uint64_t fileSize, const ReadBytes& read, Image& image)
   if (!dos || dos->Word(0) != 0x5A4D) return Soundness::NoImage;
   const std::uint64_t begin = dos->Number(60);
   const auto header = ReadBlock<FileHeaderSize>(read, begin);
-  if (!header || header->Number(0) != 0x4550) return Soundness::NoImage;
+  if (!header) return Soundness::NoImage;
+  // Images of 16-bit Windows are no drivers, and what says only half of its signature is no image: yet the platform reads both.
+  constexpr std::uint32_t signature16 = 0x454E;
+  constexpr std::uint32_t signature = 0x4550;
+  if (header->Word(0) == signature16) return Soundness::Unsound;
+  if (header->Word(0) != signature) return Soundness::NoImage;
+  if (header->Number(0) != signature) return Soundness::Unsound;
   // All of both forms up to the entry of the resources, which is the third of the directories.
   constexpr std::size_t directories32 = 96;
   constexpr std::size_t directories64 = 112;

@@ -15,8 +15,8 @@ namespace Orvane {
 /// Reads `size` bytes at `offset` of a file into `bytes`; false when the file has not all of them.
 using ReadBytes = std::function<bool(std::uint64_t offset, void* bytes, std::size_t size)>;
 
-/// False for an image whose headers, sections, version resource or way to it lie in part outside of it: one that Windows would not
-/// load either, or that has no version resource to read. True for any other file, also for one that is no image at all.
+/// False for an image whose headers, sections, version resource or way to it lie in part outside of it, and for one of 16-bit
+/// Windows: one that Windows would not load either, or that has no version resource to read. True for any other file, also for one that is no image at all.
 bool IsSoundImage(std::uint64_t fileSize, const ReadBytes& read);
 
 /// The same for the file at `path` (full path, in the ANSI code page). True for a file that cannot be opened.
