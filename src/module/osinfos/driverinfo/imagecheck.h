@@ -16,7 +16,7 @@ namespace Orvane {
 using ReadBytes = std::function<bool(std::uint64_t offset, void* bytes, std::size_t size)>;
 
 /// False for an image whose headers, sections, version resource or way to it lie in part outside of it, and for one of 16-bit
-/// Windows: one that Windows would not load either, or that has no version resource to read. True for any other file, also for one that is no image at all.
+/// Windows, which is no driver. True for any other file, also for one that is no image at all.
 bool IsSoundImage(std::uint64_t fileSize, const ReadBytes& read);
 
 /// The same for the file at `path` (full path, in the ANSI code page). True for a file that cannot be opened.

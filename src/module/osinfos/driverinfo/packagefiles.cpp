@@ -123,13 +123,17 @@ struct Translation {
 /// listed for them rest on that.
 std::optional<Translation> lastTranslation;
 
+/// Windows survives where the headers and resources of a damaged image lead it. Wine does not, so there an image is looked at before
+/// it is asked about. Found out while the library is loaded.
+const bool isWine = GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") != nullptr;
+
 /// The version resource of one image. Its content comes from the file and is trusted in nothing: what is read lies inside the
 /// buffer.
 class VersionResource {
  public:
-  /// Empty when the image cannot be read, is damaged, or has no version resource.
+  /// Empty when the image cannot be read or has no version resource.
   explicit VersionResource(const std::string& path) {
-    if (!IsSoundImage(path)) return;
+    if (isWine && !IsSoundImage(path)) return;
     DWORD handle = 0;
     const DWORD size = GetFileVersionInfoSizeA(path.c_str(), &handle);
     // No image has room for more; a larger one is damaged.
