@@ -8,7 +8,6 @@
 #include <boost/algorithm/string/predicate.hpp>
 #include <boost/filesystem/operations.hpp>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <ctime>
 #include <map>
@@ -142,7 +141,7 @@ class VersionResource {
     // Zeros behind the resource: the lengths in it are 16-bit numbers of the file, by which the platform finds its way and places
     // the narrow copies of texts. With this room, a damaged resource leads nowhere else.
     constexpr std::size_t room = 1 << 19;
-    m_bytes.reset(static_cast<char*>(std::calloc(size + room, 1)));
+    m_bytes.reset(static_cast<char*>(VirtualAlloc(nullptr, size + room, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE)));
     if (!m_bytes) throw std::bad_alloc();
     m_size = size + room;
     GetFileVersionInfoA(path.c_str(), handle, size, m_bytes.get());
@@ -179,7 +178,7 @@ class VersionResource {
 
  private:
   struct Free {
-    void operator()(char* bytes) const { std::free(bytes); }
+    void operator()(char* bytes) const { VirtualFree(bytes, 0, MEM_RELEASE); }
   };
 
   /// What `path` names; null when the query fails or gives no length.
@@ -198,7 +197,7 @@ class VersionResource {
     return bytes == sizeof(T);
   }
 
-  // Allocated, not constructed: most of the room is never touched.
+  // Pages of its own, which are zero and cost nothing until they are touched; most never are.
   std::unique_ptr<char, Free> m_bytes;
   std::size_t m_size = 0;
 };
