@@ -232,6 +232,8 @@ int ServiceDrivers::ListRegisteredDrivers(std::vector<DriverData>& drivers) {
   for (const DriverService& service : EnumerateDriverServices(manager.get())) {
     AppendDriver(manager.get(), service, drivers, cache);
   }
+  // It grows no more and lives as long as the process.
+  cache.shrink_to_fit();
   DetectIntelChipset(drivers);
   DetectAmdChipset(drivers);
   DetectAmdPshedPlugin(drivers);
