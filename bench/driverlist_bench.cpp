@@ -1,0 +1,55 @@
+// driverlist as a whole process, from its start to the last byte of its output, against a process that only lists.
+#include <windows.h>
+
+#include <stdexcept>
+#include <string>
+
+#include "figures.h"
+
+namespace {
+
+/// Runs a program of this folder and returns what it printed.
+std::string Output(const std::string& program) {
+  char path[MAX_PATH];
+  const std::string self(path, GetModuleFileNameA(nullptr, path, MAX_PATH));
+  std::string commandLine = "\"" + self.substr(0, self.rfind('\\') + 1) + program + "\"";
+  SECURITY_ATTRIBUTES inherited{sizeof(inherited), nullptr, TRUE};
+  HANDLE read = nullptr;
+  HANDLE write = nullptr;
+  CreatePipe(&read, &write, &inherited, 0);
+  SetHandleInformation(read, HANDLE_FLAG_INHERIT, 0);
+  STARTUPINFOA start{};
+  start.cb = sizeof(start);
+  start.dwFlags = STARTF_USESTDHANDLES;
+  start.hStdOutput = start.hStdError = write;
+  PROCESS_INFORMATION process{};
+  if (!CreateProcessA(nullptr, commandLine.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &start, &process)) {
+    throw std::runtime_error(program + " cannot be started");
+  }
+  CloseHandle(write);
+  std::string output;
+  char bytes[4096];
+  for (DWORD count = 0; ReadFile(read, bytes, sizeof(bytes), &count, nullptr) && count > 0;)
+    output.append(bytes, count);
+  for (const HANDLE handle : {read, process.hProcess, process.hThread}) CloseHandle(handle);
+  return output;
+}
+
+/// Seconds until the pipe ends, which it does when the process does.
+double SecondsOf(const std::string& program, const std::string& expected) {
+  std::string output;
+  const double seconds = bench::Seconds([&] { output = Output(program); });
+  if (output.find(expected) == std::string::npos)
+    throw std::runtime_error(program + " lists no machine of benchmachine");
+  return seconds;
+}
+
+void AddFigures() {
+  bench::AddComparison({"driverlist, start to last byte", "ms", 1.3, "bare",
+                        [] { return SecondsOf("barelist.exe", "."); }, "driverlist",
+                        [] { return SecondsOf("driverlist.exe", "bench199.sys"); }});
+}
+
+}  // namespace
+
+int main(int argc, char** argv) { return bench::Main(argc, argv, &AddFigures); }
