@@ -171,8 +171,8 @@ void RequireAllTraced(HMODULE module, const std::vector<Traced>& functions) {
 CallTrace::CallTrace(HMODULE module) {
   const std::vector<Traced> functions = TracedFunctions();
   RequireAllTraced(module, functions);
-  // All are looked up before the first takes its place, and the stands let go of what they knew: the module may be this program,
-  // and their pointers are none of its calls.
+  // All are looked up before the first takes its place, and the stands let go of what they knew: the module may be this
+  // program, and their pointers are none of its calls.
   for (const Traced& function : functions) function.setReal(nullptr);
   std::vector<std::pair<void**, void*>> replacements;
   std::vector<void*> addresses;

@@ -1,6 +1,6 @@
 /// @file
-/// The library, listing into a vector of the module's own, so that a program can load and unload both: a library that was just loaded
-/// has empty caches.
+/// The library, listing into a vector of the module's own, so that a program can load and unload both: a library that was just
+/// loaded has empty caches.
 #pragma once
 
 #include <vector>
@@ -8,7 +8,7 @@
 #include "record.h"
 
 extern "C" {
-/// Puts `records` into the vector, without what no name, provider, description or version holds.
+/// Puts `records` into the vector: their names, descriptions, providers and versions.
 using SetRecordsFunction = void(const std::vector<bench::Record>& records);
 /// Lists as DriverInfo::list_drivers() does, `mode` being its type, behind what the vector holds.
 using ListDriversFunction = void(int mode);

@@ -48,8 +48,8 @@ void EraseShadowed(const std::vector<DriverData>& devices, std::vector<DriverDat
   drivers.resize(kept);
 }
 
-/// Moves the records of `devices` behind those of `drivers`. Vectors grow by doubling, and while one grows its records have room twice:
-/// what was left free is given back first, so that the listing needs little more than its result and the caches do.
+/// Moves the records of `devices` behind those of `drivers`. Vectors grow by doubling, and while one grows its records have
+/// room twice: what was left free is given back first, so that the listing needs little more than its result and the caches do.
 void AppendDevices(std::vector<DriverData>& devices, std::vector<DriverData>& drivers) {
   const std::size_t size = drivers.size() + devices.size();
   if (drivers.capacity() < size) drivers.shrink_to_fit();
