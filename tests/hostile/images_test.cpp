@@ -220,14 +220,14 @@ class ResourceInMemory {
                  std::memcpy(buffer, m_resource.data(), std::min<std::size_t>(size, m_resource.size()));
                  return TRUE;
                }),
-        m_allocate(ThisProgram(), "calloc",
-                   [this](std::size_t count, std::size_t size) -> void* {
-                     if (count != m_told + Room) return m_allocate.Real(count, size);
+        m_allocate(ThisProgram(), "VirtualAlloc",
+                   [this](void* place, std::size_t size, DWORD type, DWORD protection) -> void* {
+                     if (size != m_told + Room) return m_allocate.Real(place, size, type, protection);
                      ++m_buffers;
-                     return m_memory.Zeros(count);
+                     return m_memory.Zeros(size);
                    }),
-        m_free(ThisProgram(), "free", [this](void* memory) {
-          if (!m_memory.Holds(memory)) m_free.Real(memory);
+        m_free(ThisProgram(), "VirtualFree", [this](void* memory, std::size_t size, DWORD type) {
+          return m_memory.Holds(memory) ? TRUE : m_free.Real(memory, size, type);
         }) {}
 
   /// As the system does: room for the narrow forms of all texts.
@@ -250,8 +250,8 @@ class ResourceInMemory {
   std::size_t m_buffers = 0;
   test::ImportHook<&GetFileVersionInfoSizeA> m_size;
   test::ImportHook<&GetFileVersionInfoA> m_read;
-  test::ImportHook<&calloc> m_allocate;
-  test::ImportHook<&free> m_free;
+  test::ImportHook<&VirtualAlloc> m_allocate;
+  test::ImportHook<&VirtualFree> m_free;
 };
 
 constexpr std::size_t LargestBuffer = 1 << 20;

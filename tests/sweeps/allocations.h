@@ -17,7 +17,7 @@
 namespace sweeps {
 
 /// While it lives, allocations between Begin() and End() are numbered. All memory of C++ comes from malloc in libstdc++,
-/// whichever module asks for it; the library itself calls calloc as well. What handlers of hooks allocate does not count.
+/// whichever module asks for it; the library itself also takes pages. What handlers of hooks allocate does not count.
 class Allocations {
  public:
   /// Allocations from `first` up to `last` find no memory; none when `last` is before `first`. `requested` is called before
@@ -71,12 +71,12 @@ class Allocations {
   /// The hooks in the library itself.
   struct LibraryHooks {
     Allocations& allocations;
-    HOOK(calloc_, Library(), calloc, [this](std::size_t count, std::size_t size) {
-      return allocations.Numbered([&] { return calloc_.Real(count, size); });
+    HOOK(allocate, Library(), VirtualAlloc, [this](void* place, std::size_t size, DWORD type, DWORD protection) {
+      return allocations.Numbered([&] { return allocate.Real(place, size, type, protection); });
     });
-    HOOK(free_, Library(), free, [this](void* block) {
+    HOOK(release, Library(), VirtualFree, [this](void* block, std::size_t size, DWORD type) {
       allocations.Forget(block);
-      free_.Real(block);
+      return release.Real(block, size, type);
     });
   };
 

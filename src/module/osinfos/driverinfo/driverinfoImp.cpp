@@ -48,13 +48,13 @@ void EraseShadowed(const std::vector<DriverData>& devices, std::vector<DriverDat
   drivers.resize(kept);
 }
 
-/// Moves the records of `devices` behind those of `drivers`. Vectors grow by doubling, and while one grows its records have
-/// room twice: what was left free is given back first, so that the listing needs little more than its result and the caches do.
-void AppendDevices(std::vector<DriverData>& devices, std::vector<DriverData>& drivers) {
-  const std::size_t size = drivers.size() + devices.size();
-  if (drivers.capacity() < size) drivers.shrink_to_fit();
+/// Makes room for `more` records. While a vector grows its records have room twice, and one that doubled may have much room left: that
+/// is given back first, so that the listing needs little more than its result and the caches do.
+void MakeRoom(std::vector<DriverData>& drivers, std::size_t more) {
+  const std::size_t size = drivers.size() + more;
+  if (drivers.capacity() >= size) return;
+  drivers.shrink_to_fit();
   drivers.reserve(size);
-  drivers.insert(drivers.end(), std::make_move_iterator(devices.begin()), std::make_move_iterator(devices.end()));
 }
 
 }  // namespace
@@ -66,9 +66,9 @@ int DriverInfoImp::ListAllDrivers(std::vector<DriverData>& drivers) {
   ListRegisteredDrivers(drivers);
   ScanOemInfCatalogue(drivers);
   // Room for all of them first: a record is dropped only when nothing can keep that of its device from taking its place.
-  drivers.reserve(drivers.size() + devices.size());
+  MakeRoom(drivers, devices.size());
   EraseShadowed(devices, drivers);
-  AppendDevices(devices, drivers);
+  drivers.insert(drivers.end(), std::make_move_iterator(devices.begin()), std::make_move_iterator(devices.end()));
   SortAndRemoveDuplicates(drivers);
   return 0;
 }
