@@ -32,10 +32,9 @@ std::vector<Shadowed> FindShadowed(const std::vector<DriverData>& devices, const
   return shadowed;
 }
 
-/// Drops the records of `drivers` whose name a device record has.
-void EraseShadowed(const std::vector<DriverData>& devices, std::vector<DriverData>& drivers) {
+void EraseShadowed(const std::vector<Shadowed>& allShadowed, std::vector<DriverData>& drivers) {
   std::vector<bool> isShadowed(drivers.size());
-  for (const Shadowed& shadowed : FindShadowed(devices, drivers)) {
+  for (const Shadowed& shadowed : allShadowed) {
     const DriverData& driver = drivers[shadowed.driver];
     // The size stands where the line says version; readers of the log know it so.
     ORVANE_LOG(3) << driver.name << "; version=" << driver.size << " already found by device.";
@@ -48,10 +47,9 @@ void EraseShadowed(const std::vector<DriverData>& devices, std::vector<DriverDat
   drivers.resize(kept);
 }
 
-/// Makes room for `more` records. While a vector grows its records have room twice, and one that doubled may have much room left: that
+/// Makes room for `size` records. While a vector grows its records have room twice, and one that doubled may have much room left: that
 /// is given back first, so that the listing needs little more than its result and the caches do.
-void MakeRoom(std::vector<DriverData>& drivers, std::size_t more) {
-  const std::size_t size = drivers.size() + more;
+void MakeRoom(std::vector<DriverData>& drivers, std::size_t size) {
   if (drivers.capacity() >= size) return;
   drivers.shrink_to_fit();
   drivers.reserve(size);
@@ -65,9 +63,10 @@ int DriverInfoImp::ListAllDrivers(std::vector<DriverData>& drivers) {
   devices.shrink_to_fit();
   ListRegisteredDrivers(drivers);
   ScanOemInfCatalogue(drivers);
+  const std::vector<Shadowed> shadowed = FindShadowed(devices, drivers);
   // Room for all of them first: a record is dropped only when nothing can keep that of its device from taking its place.
-  MakeRoom(drivers, devices.size());
-  EraseShadowed(devices, drivers);
+  MakeRoom(drivers, drivers.size() - shadowed.size() + devices.size());
+  EraseShadowed(shadowed, drivers);
   drivers.insert(drivers.end(), std::make_move_iterator(devices.begin()), std::make_move_iterator(devices.end()));
   SortAndRemoveDuplicates(drivers);
   return 0;
