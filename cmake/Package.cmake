@@ -17,6 +17,7 @@ install(FILES
   src/module/logging/log.h
   DESTINATION include/driverinfo)
 install(TARGETS driverlist RUNTIME DESTINATION ${bin})
+install(FILES docs/driverlist.md DESTINATION docs)
 
 foreach(dll ${runtime_dlls})
   cmake_path(GET dll FILENAME name)
