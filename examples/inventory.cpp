@@ -1,5 +1,6 @@
-// A device inventory of one's own. A module called pciinfo.dll with this one export, beside driverinfo.dll in the place of the
-// one that comes with it, says what the device listing lists: here a device that the machine's own bus does not show.
+// A device inventory of one's own. A module called pciinfo.dll with this one export, beside driverinfo.dll in the place
+// of the one that comes with it, says what the device listing lists: here a device that the machine's own bus does not
+// show.
 #include <pciinfo.h>
 
 void GetPciInfo(std::vector<Orvane::PciDeviceRecord>& devices) {

@@ -30,8 +30,9 @@ DriverData Record(const nlohmann::json& json) {
   return driver;
 }
 
-/// The one known difference of Wine: it answers the question for the original name of a package with the name of the file itself.
-/// Windows knows the names under which its own store's packages were delivered, and none for a file that it did not install.
+/// The one known difference of Wine: it answers the question for the original name of a package with the name of the
+/// file itself. Windows knows the names under which its own store's packages were delivered, and none for a file that
+/// it did not install.
 void AddOriginalName(const std::string& file, const nlohmann::json& expected, std::vector<DriverData>& records,
                      std::vector<LogLine>& lines) {
   if (!expected.at("original_query") || !test::IsWine()) return;

@@ -51,8 +51,8 @@ TEST(DriverInfo, SharesTheImplementationWhenAssigned) {
 
 void Free(void*, std::size_t) {}
 
-/// The addresses that the library frees while it lives. Its operator delete is the run-time library's, by the name that the
-/// compiler gives it.
+/// The addresses that the library frees while it lives. Its operator delete is the run-time library's, by the name that
+/// the compiler gives it.
 struct Freed {
   std::vector<void*> addresses;
   test::ImportHook<&Free> hook{GetModuleHandleA("driverinfo.dll"), "_ZdlPvy", [this](void* address, std::size_t size) {

@@ -10,8 +10,7 @@ namespace {
 
 /// Reads another image while redirection is switched off.
 struct OtherImage {
-  OtherImage(const Redirection& switchable, std::string image)
-      : redirection(switchable), other(std::move(image)) {}
+  OtherImage(const Redirection& switchable, std::string image) : redirection(switchable), other(std::move(image)) {}
 
   const char* Seen(const char* path) const { return redirection.off ? other.c_str() : path; }
 

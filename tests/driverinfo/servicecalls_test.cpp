@@ -116,8 +116,8 @@ TEST_F(ServiceListing, NamesItsSourceFileInTheLog) {
     EXPECT_GT(line, 0);
   });
   List();
-  EXPECT_THAT(files, ElementsAre(testing::EndsWith("servicedrivers.cpp"), testing::EndsWith("devicediscovery.cpp"),
-                                 testing::EndsWith("devicediscovery.cpp"), testing::EndsWith("devicediscovery.cpp")));
+  EXPECT_THAT(files, ElementsAre(testing::EndsWith("servicedrivers.cpp"), testing::EndsWith("registrypackages.cpp"),
+                                 testing::EndsWith("registrypackages.cpp"), testing::EndsWith("registrypackages.cpp")));
 }
 
 }  // namespace

@@ -64,8 +64,8 @@ TEST(UniqueDrivers, AreCountedBeforeAndAfter) {
                                       LogLine{4, "driverlist size after erase unique:2"}));
 }
 
-// The order of versions has cycles; whatever it says, the result is made of the records that were there, one per name, and where a
-// version is before all others of its name, it is kept.
+// The order of versions has cycles; whatever it says, the result is made of the records that were there, one per name,
+// and where a version is before all others of its name, it is kept.
 TEST(UniqueDrivers, StayWithinTheirRecordsWhateverTheVersionsSay) {
   const std::vector<std::string> alphabet = {"1g",  "9",  "10", "a", "g", "0x1", "ff", "n/a", "", "8000000000000000",
                                              "1 2", "1.", "-1"};

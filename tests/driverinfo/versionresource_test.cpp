@@ -272,8 +272,8 @@ TEST(VersionResource, MayBeLarge) {
   EXPECT_THAT(Read(image.Path()), ElementsAre("", "Example Systems", "7.0.0.0", "0.0.0.0"));
 }
 
-// The lengths in a resource lead the platform; wherever they point, no read and no write leaves the buffer, or the process would not
-// survive this.
+// The lengths in a resource lead the platform; wherever they point, no read and no write leaves the buffer, or the
+// process would not survive this.
 TEST(VersionResource, MayHaveAnyLengthInIt) {
   test::VersionSettings settings;
   settings.texts = {{L"CompanyName", L"Example Systems"}, {L"FileDescription", L"Example driver"}};

@@ -1,5 +1,6 @@
 /// @file
-/// What the fuzzers share: rules spelled out byte by byte, and the end of the process where the library does something else.
+/// What the fuzzers share: rules spelled out byte by byte, and the end of the process where the library does something
+/// else.
 #pragma once
 
 #include <cstddef>

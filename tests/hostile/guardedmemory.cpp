@@ -4,7 +4,7 @@
 #include <atomic>
 #include <stdexcept>
 
-#include "handles.h"
+#include "platform/handles.h"
 
 namespace test {
 namespace {

@@ -35,7 +35,8 @@ class GuardedMemory {
   char* m_end;
 };
 
-/// Whether `act` ends with an access violation. It runs on a thread of its own, which is given up then, with all that it holds.
+/// Whether `act` ends with an access violation. It runs on a thread of its own, which is given up then, with all that
+/// it holds.
 bool Crashes(const std::function<void()>& act);
 
 }  // namespace test

@@ -5,7 +5,7 @@
 
 #include <string>
 
-#include "platformtext.h"
+#include "platform/platformtext.h"
 
 using namespace Orvane;
 

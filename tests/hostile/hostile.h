@@ -1,8 +1,9 @@
 /// @file
-/// Batches of inputs that nobody would make on purpose. Each is made of a seed; the seed of one that fails, crashes or hangs is told.
+/// Batches of inputs that nobody would make on purpose. Each is made of a seed; the seed of one that fails, crashes or
+/// hangs is told.
 ///
-/// DRIVERINFO_HOSTILE_INPUTS says how many inputs a batch has (5000 when it is not set), DRIVERINFO_HOSTILE_SEED the seed of the first
-/// (1): to see one again, set the second to its seed and the first to 1.
+/// DRIVERINFO_HOSTILE_INPUTS says how many inputs a batch has (5000 when it is not set), DRIVERINFO_HOSTILE_SEED the
+/// seed of the first (1): to see one again, set the second to its seed and the first to 1.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -21,8 +22,9 @@ namespace test {
 /// The path of `file` in the temporary folder; what a process that crashed left there is gone.
 std::string TemporaryFile(const std::string& file);
 
-/// One batch. While it lives, an exception that nobody handles ends the process with code 3, and an input that takes longer than
-/// `patience` ends it with code 4, both with the seed on standard error. At its end it says how many inputs there were.
+/// One batch. While it lives, an exception that nobody handles ends the process with code 3, and an input that takes
+/// longer than `patience` ends it with code 4, both with the seed on standard error. At its end it says how many inputs
+/// there were.
 class HostileBatch {
  public:
   explicit HostileBatch(const char* kind, std::chrono::seconds patience = std::chrono::seconds(60));
@@ -35,7 +37,8 @@ class HostileBatch {
   /// What input `index` is made of, without beginning it.
   Random Input(std::size_t index) const { return Random(m_firstSeed + index); }
 
-  /// Begins input `index` of the batch, which is made of what this returns and of nothing else. Failures from now on name its seed.
+  /// Begins input `index` of the batch, which is made of what this returns and of nothing else. Failures from now on
+  /// name its seed.
   Random Begin(std::size_t index);
 
   /// Calls `input` with the Random of each input, until some have failed.

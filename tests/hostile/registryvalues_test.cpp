@@ -7,9 +7,9 @@
 #include <optional>
 
 #include "devicediscovery.h"
-#include "handles.h"
 #include "hostile.h"
 #include "importhook.h"
+#include "platform/handles.h"
 #include "records.h"
 #include "scratchmachine.h"
 #include "scriptedservices.h"
@@ -154,7 +154,8 @@ TEST_F(HostileRegistryValues, AreVersionsOfChipsetPackages) {
   EXPECT_GT(read, batch.Size() / 2);
 }
 
-/// The first place where the library looks for an image of this registered path; none where rules beyond this test decide.
+/// The first place where the library looks for an image of this registered path; none where rules beyond this test
+/// decide.
 std::optional<std::string> FirstPlace(const std::optional<std::string>& registered) {
   if (!registered || registered->find('%') != std::string::npos) return std::nullopt;
   if (registered->find(':') != std::string::npos) return registered;

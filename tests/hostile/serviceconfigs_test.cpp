@@ -1,5 +1,5 @@
-// Services whose names and configurations are empty, very long or anything else, and a service control manager that fills its
-// buffers as it likes.
+// Services whose names and configurations are empty, very long or anything else, and a service control manager that
+// fills its buffers as it likes.
 #include <gmock/gmock.h>
 #include <windows.h>
 

@@ -1,5 +1,5 @@
-// Inputs on which Wine 8 itself ends the process, each with the reason, and that the library does not come to that. Windows answers all
-// of them with a failure.
+// Inputs on which Wine 8 itself ends the process, each with the reason, and that the library does not come to that.
+// Windows answers all of them with a failure.
 #include <gmock/gmock.h>
 #include <windows.h>
 // After windows.h.
@@ -45,8 +45,8 @@ TEST(WineCrashes, OnTheHandleOfAnInfThatCannotBeOpened) {
   EXPECT_EQ(drivers.size(), 0u);
 }
 
-// VerQueryValueA writes the narrow form of a text behind the resource, which is where the resource says that it ends. The library's
-// buffer has room for all that it can say.
+// VerQueryValueA writes the narrow form of a text behind the resource, which is where the resource says that it ends.
+// The library's buffer has room for all that it can say.
 TEST(WineCrashes, OnAResourceThatSaysToBeLongerThanItIs) {
   std::string resource = Resource();
   resource[0] = '\xF0';
@@ -63,7 +63,8 @@ TEST(WineCrashes, OnAResourceThatSaysToBeLongerThanItIs) {
   EXPECT_EQ(FileVersion(image.Path()), "6.0.0.0");
 }
 
-// GetFileVersionInfoA copies the resource from where the directory says that it is, as much as that says. The library looks first.
+// GetFileVersionInfoA copies the resource from where the directory says that it is, as much as that says. The library
+// looks first.
 TEST(WineCrashes, OnAResourceThatLiesOutsideOfItsImage) {
   for (const bool isElsewhere : {false, true}) {
     // Wine keeps the image open on which it crashed.

@@ -1,4 +1,4 @@
-#include "handles.h"
+#include "platform/handles.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "platformtext.h"
+#include "platform/platformtext.h"
 
 #include <gtest/gtest.h>
 
@@ -38,7 +38,15 @@ TEST(TextWithin, EndsAtItsTerminatorOrAtTheEndOfTheBuffer) {
 TEST(TextWithin, ReadsATextElsewhereToItsTerminator) {
   const char buffer[] = {'a', 'b'};
   EXPECT_EQ(TextWithin("elsewhere", buffer, 2), "elsewhere");
-  EXPECT_EQ(TextWithin(nullptr, buffer, 2), "");
+  EXPECT_EQ(TextWithin(static_cast<const char*>(nullptr), buffer, 2), "");
+}
+
+TEST(TextWithin, OfUtf16EndsAtTheLastWholeCharacter) {
+  alignas(wchar_t) char buffer[7] = {'a', 0, 'b', 0, 'c', 0, 'd'};
+  const auto* const text = reinterpret_cast<const wchar_t*>(buffer);
+  EXPECT_EQ(TextWithin(text, buffer, sizeof(buffer)), L"abc");
+  EXPECT_EQ(TextWithin(text + 1, buffer, 5), L"b");
+  EXPECT_EQ(TextWithin(text + 3, buffer, sizeof(buffer)), L"");
 }
 
 }  // namespace

@@ -16,12 +16,13 @@
 
 namespace sweeps {
 
-/// While it lives, allocations between Begin() and End() are numbered. All memory of C++ comes from malloc in libstdc++,
-/// whichever module asks for it; the library itself also takes pages. What handlers of hooks allocate does not count.
+/// While it lives, allocations between Begin() and End() are numbered. All memory of C++ comes from malloc in
+/// libstdc++, whichever module asks for it; the library itself also takes pages. What handlers of hooks allocate does
+/// not count.
 class Allocations {
  public:
-  /// Allocations from `first` up to `last` find no memory; none when `last` is before `first`. `requested` is called before
-  /// each allocation, with whether it will fail, and may allocate.
+  /// Allocations from `first` up to `last` find no memory; none when `last` is before `first`. `requested` is called
+  /// before each allocation, with whether it will fail, and may allocate.
   Allocations(std::size_t first, std::size_t last, std::function<void(bool fails)> requested)
       : m_first(first), m_last(last), m_requested(std::move(requested)) {}
   Allocations(const Allocations&) = delete;

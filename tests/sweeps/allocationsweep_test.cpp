@@ -1,5 +1,5 @@
-// Every allocation of a listing fails in turn: std::bad_alloc reaches the caller and nothing else does, nothing stays open or
-// allocated, what was appended stays, and the next listing works.
+// Every allocation of a listing fails in turn: std::bad_alloc reaches the caller and nothing else does, nothing stays
+// open or allocated, what was appended stays, and the next listing works.
 #include <gmock/gmock.h>
 
 #include <algorithm>
@@ -40,8 +40,9 @@ bool HoldsName(const Records& records, const std::string& name) {
                      [&](const test::Fields& record) { return record.at("name") == name; });
 }
 
-/// What the next listing of a process may find whose first one failed, when a fresh library finds `fresh`. Services that were
-/// found are kept, and come without the chipset package then; the device listing keeps nothing that is not complete.
+/// What the next listing of a process may find whose first one failed, when a fresh library finds `fresh`. Services
+/// that were found are kept, and come without the chipset package then; the device listing keeps nothing that is not
+/// complete.
 std::vector<Records> ExpectedNext(int mode, const Records& failed, const Records& fresh) {
   if (mode != Orvane::Registered || !HoldsName(failed, "OiBus.sys")) return {fresh};
   const Records services(fresh.begin(), fresh.begin() + 1);
@@ -126,8 +127,8 @@ class AllocationSweep : public test::ScratchMachine {
         leaks += outcome.blocks;
       }
     }
-    // The file-system library makes a locale when it first walks a directory, and libstdc++ loses a facet where it runs out
-    // of memory in that.
+    // The file-system library makes a locale when it first walks a directory, and libstdc++ loses a facet where it runs
+    // out of memory in that.
     EXPECT_LE(leaks, mode == Orvane::All ? 10u : 0u);
     EXPECT_GT(thrown, whole.names.size());
     std::printf("%-10s  %4zu allocations, %4zu of %4zu failures thrown\n", name, whole.names.size(), thrown,

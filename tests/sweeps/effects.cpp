@@ -168,8 +168,8 @@ bool IsShared(const Calls& calls, const Span& span, const Sources& sources) {
                        [&](const auto& user) { return user.inf_name == device.inf_name; }) > 1;
 }
 
-/// The names of the records that `files` of the package give: their own, and in the device listing those that bind them to the
-/// device.
+/// The names of the records that `files` of the package give: their own, and in the device listing those that bind them
+/// to the device.
 std::set<std::string> RecordNames(const Calls& calls, const Span& span, const std::set<std::string>& files,
                                   const Sources& sources) {
   std::set<std::string> names = files;
@@ -279,8 +279,8 @@ Effect EffectOnWalk(const Calls& calls, std::size_t call, const Sources& sources
 
 Effect EffectOnSource(const Calls& calls, std::size_t failing, const Sources& sources) {
   const Call& call = calls[failing];
-  // What is asked to close is gone either way. Redirection is no matter of a 64-bit process, and the Windows directory is only
-  // asked for an image that is nowhere else; times are checked, not made, by what is missing then.
+  // What is asked to close is gone either way. Redirection is no matter of a 64-bit process, and the Windows directory
+  // is only asked for an image that is nowhere else; times are checked, not made, by what is missing then.
   if (IsOneOf(call.function, {"CloseServiceHandle", "FindClose", "CloseHandle", "SetupCloseInfFile", "FreeLibrary",
                               "LocalFree", "LoadLibraryExA", "GetProcAddress", "GetWindowsDirectoryA", "_localtime64",
                               "_ftime64_s", "FormatMessageA", "FormatMessageW"})) {

@@ -1,7 +1,7 @@
 // Every platform call of a listing fails in turn: the list keeps what does not depend on it, and nothing stays open.
 //
-// A numbered call fails once, with each of the errors that are documented for it, in a library that was just loaded; all other
-// calls go to the platform.
+// A numbered call fails once, with each of the errors that are documented for it, in a library that was just loaded;
+// all other calls go to the platform.
 #include <gtest/gtest.h>
 
 #include <cstdio>

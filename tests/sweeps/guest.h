@@ -1,6 +1,6 @@
 /// @file
-/// A host of the library that stands in a DLL of its own, guest.dll: when that is unloaded, the library goes with it, and
-/// with it everything that the library keeps between listings.
+/// A host of the library that stands in a DLL of its own, guest.dll: when that is unloaded, the library goes with it,
+/// and with it everything that the library keeps between listings.
 #pragma once
 
 #include <string>

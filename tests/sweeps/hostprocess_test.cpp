@@ -85,8 +85,8 @@ Holdings HoldingsNow() {
   return now;
 }
 
-/// What `act` leaves behind that is done `times` times, after it was done often enough for the platform to have filled its
-/// caches.
+/// What `act` leaves behind that is done `times` times, after it was done often enough for the platform to have filled
+/// its caches.
 template <typename Act>
 Holdings LeftBehind(int times, Act act) {
   for (int i = 0; i < 10; ++i) act();

@@ -1,4 +1,5 @@
-// The order of versions is no strict weak order: lists of any content are sorted and merged within their bounds all the same.
+// The order of versions is no strict weak order: lists of any content are sorted and merged within their bounds all the
+// same.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -17,7 +18,8 @@ using Orvane::DriverData;
 
 constexpr std::size_t Size = 100'000;
 
-/// Components of versions that are before one another in circles: "1g" is before "9", "9" before "10", and "10" before "1g".
+/// Components of versions that are before one another in circles: "1g" is before "9", "9" before "10", and "10" before
+/// "1g".
 const std::vector<std::string> Components = {"1g", "9", "10", "", "G", "0a", "a", "8000000000000000", "7", "08"};
 
 /// Few names; one of them is that of a device of every Wine machine.

@@ -25,8 +25,8 @@ inline const std::set<std::string> Swept = {
     // Modules and texts.
     "FormatMessageA", "FormatMessageW", "FreeLibrary", "GetProcAddress", "LoadLibraryExA", "LocalFree"};
 
-/// Functions that cannot fail, the locks of the compiler's run-time library, without which nothing runs, and those of memory, which
-/// the allocation sweep lets fail.
+/// Functions that cannot fail, the locks of the compiler's run-time library, without which nothing runs, and those of
+/// memory, which the allocation sweep lets fail.
 inline const std::set<std::string> CannotFail = {
     "AreFileApisANSI",      "DeleteCriticalSection", "EnterCriticalSection",
     "GetLastError",         "GetSystemInfo",         "InitializeCriticalSection",

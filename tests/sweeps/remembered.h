@@ -1,6 +1,6 @@
 /// @file
-/// Answers of Windows that are the same in every listing of one machine. Windows gives each once; under Wine they take a
-/// millisecond each, and a sweep asks for them thousands of times.
+/// Answers of Windows that are the same in every listing of one machine. Windows gives each once; under Wine they take
+/// a millisecond each, and a sweep asks for them thousands of times.
 #pragma once
 
 #include <windows.h>

@@ -76,7 +76,8 @@ class FunctionSink : public spdlog::sinks::base_sink<std::recursive_mutex> {
  public:
   explicit FunctionSink(LogFunction function) : m_function(std::move(function)) {}
 
-  /// Waits for a line that another thread is handing over. From inside the function, only keeps it from being called again.
+  /// Waits for a line that another thread is handing over. From inside the function, only keeps it from being called
+  /// again.
   void Close() {
     const std::lock_guard<std::recursive_mutex> lock(mutex_);
     m_isOpen = false;

@@ -8,12 +8,13 @@
 ///     Orvane::LogToFile(L"drivers.log", 1 << 20, 3);
 ///     Orvane::SetLogLevel(2);
 ///
-/// Levels: 1 error, 2 warning, 3 information, 4 trace. Texts are in the system's ANSI code page; standard error and files get
-/// them in UTF-8, with line breaks inside a text turned into blanks.
+/// Levels: 1 error, 2 warning, 3 information, 4 trace. Texts are in the system's ANSI code page; standard error and
+/// files get them in UTF-8, with line breaks inside a text turned into blanks.
 ///
-/// Lines may come from any thread; each reaches its sink whole, those of one thread in their order. The choice of sink and
-/// level belongs to the host and may change at any time. Sinks that keep something open (a file, the host's function) are let
-/// go when another sink is chosen: choose none before unloading this module while the process goes on.
+/// Lines may come from any thread; each reaches its sink whole, those of one thread in their order. The choice of sink
+/// and level belongs to the host and may change at any time. Sinks that keep something open (a file, the host's
+/// function) are let go when another sink is chosen: choose none before unloading this module while the process goes
+/// on.
 #pragma once
 
 #include <cstddef>
@@ -39,7 +40,8 @@ namespace Orvane {
 
 /// One line of the log, emitted when the object is destroyed. Its text is what was written to Stream() until then.
 ///
-/// Another logging module can stand in the place of this one: it exports these three members, and this layout is theirs too.
+/// Another logging module can stand in the place of this one: it exports these three members, and this layout is theirs
+/// too.
 class LOGGING_API Log {
  public:
   /// `file` and `line` are the place in the source that logs; `file` must outlive the object. Throws std::bad_alloc.
@@ -59,8 +61,8 @@ class LOGGING_API Log {
   std::ostringstream m_stream;
 };
 
-/// Takes a line: its level, source file, source line and text. Called on the thread that logs, one line at a time. Lines that
-/// it logs itself and exceptions that it throws are dropped.
+/// Takes a line: its level, source file, source line and text. Called on the thread that logs, one line at a time.
+/// Lines that it logs itself and exceptions that it throws are dropped.
 using LogFunction = std::function<void(int level, const char* file, int line, const std::string& text)>;
 
 /// Lines of levels 1 to `level` reach the sink; 0 for none. 4, all lines, until the host says otherwise.
@@ -75,13 +77,13 @@ LOGGING_API void LogToStandardError();
 /// Writes such lines to the debugger that is attached to the process.
 LOGGING_API void LogToDebugger();
 
-/// Appends such lines to the file at `path`, each at once. Before the file grows past `maxBytes` (at least 1) it is renamed to
-/// "name.1.ext", and so on; of files so renamed `maxFiles` are kept. False, with the former sink kept, when the file cannot be
-/// opened. Folders of the path that do not exist are made.
+/// Appends such lines to the file at `path`, each at once. Before the file grows past `maxBytes` (at least 1) it is
+/// renamed to "name.1.ext", and so on; of files so renamed `maxFiles` are kept. False, with the former sink kept, when
+/// the file cannot be opened. Folders of the path that do not exist are made.
 LOGGING_API bool LogToFile(const std::wstring& path, std::size_t maxBytes, std::size_t maxFiles);
 
-/// Hands lines to `function`; an empty function drops them. Once another sink is chosen, from outside the function, the function
-/// is not called again.
+/// Hands lines to `function`; an empty function drops them. Once another sink is chosen, from outside the function, the
+/// function is not called again.
 LOGGING_API void LogToFunction(LogFunction function);
 
 }  // namespace Orvane

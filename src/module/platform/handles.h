@@ -1,9 +1,11 @@
 /// @file
-/// Owners of Windows handles. A handle lives for the scope of its owner; release() gives it to a caller; KeepOpen() leaves it
-/// open for the life of the process.
+/// Owners of Windows handles. A handle lives for the scope of its owner; release() gives it to a caller; KeepOpen()
+/// leaves it open for the life of the process.
 #pragma once
 
 #include <windows.h>
+// After windows.h.
+#include <setupapi.h>
 
 #include <utility>
 
@@ -39,7 +41,11 @@ class UniqueHandle {
 
 using RegKey = UniqueHandle<HKEY, &RegCloseKey>;
 using ServiceHandle = UniqueHandle<SC_HANDLE, &CloseServiceHandle>;
+using FileHandle = UniqueHandle<HANDLE, &CloseHandle>;
+using ProcessHandle = UniqueHandle<HANDLE, &CloseHandle>;
 using FindHandle = UniqueHandle<HANDLE, &FindClose>;
+using DeviceSet = UniqueHandle<HDEVINFO, &SetupDiDestroyDeviceInfoList>;
+using InfHandle = UniqueHandle<HINF, &SetupCloseInfFile>;
 using LocalMemory = UniqueHandle<HLOCAL, &LocalFree>;
 
 /// Leaves the handle open until the process ends. Every call says why.

@@ -1,6 +1,7 @@
 /// @file
-/// Texts that the platform put into a buffer of ours. Windows terminates most of them, most of the time: a registry value may
-/// fill its buffer, a path may be longer, a resource may end early. They are read up to the buffer's end and no further.
+/// Texts that the platform put into a buffer of ours. Windows terminates most of them, most of the time: a registry
+/// value may fill its buffer, a path may be longer, a resource may end early. They are read up to the buffer's end and
+/// no further.
 #pragma once
 
 #include <algorithm>
@@ -11,24 +12,27 @@
 
 namespace Orvane {
 
-/// The text at `buffer` up to its first zero byte, or all `size` bytes when there is none.
-inline std::string BoundedText(const char* buffer, std::size_t size) {
-  return std::string(buffer, std::find(buffer, buffer + size, '\0'));
+/// The text at `buffer` up to its first zero, or all `size` characters when there is none.
+template <typename Char>
+std::basic_string<Char> BoundedText(const Char* buffer, std::size_t size) {
+  return std::basic_string<Char>(buffer, std::find(buffer, buffer + size, Char()));
 }
 
-/// How many bytes [begin, begin + size) holds from `position` to its end, 0 at the very end; none for a position elsewhere.
+/// How many bytes [begin, begin + size) holds from `position` to its end, 0 at the very end; none for a position
+/// elsewhere.
 inline std::optional<std::size_t> BytesFrom(const char* position, const char* begin, std::size_t size) {
   const std::less<const char*> before;
   if (before(position, begin) || before(begin + size, position)) return std::nullopt;
   return static_cast<std::size_t>(begin + size - position);
 }
 
-/// The text that the platform placed at `text` in [begin, begin + size); empty for a null pointer.
-inline std::string TextWithin(const char* text, const char* begin, std::size_t size) {
-  if (text == nullptr) return std::string();
-  const auto bytes = BytesFrom(text, begin, size);
+/// The text that the platform placed at `text` in [begin, begin + size), which are bytes; empty for a null pointer.
+template <typename Char>
+std::basic_string<Char> TextWithin(const Char* text, const char* begin, std::size_t size) {
+  if (text == nullptr) return {};
+  const auto bytes = BytesFrom(reinterpret_cast<const char*>(text), begin, size);
   // A text elsewhere is the platform's own and has its own terminator.
-  return bytes ? BoundedText(text, *bytes) : std::string(text);
+  return bytes ? BoundedText(text, *bytes / sizeof(Char)) : std::basic_string<Char>(text);
 }
 
 }  // namespace Orvane

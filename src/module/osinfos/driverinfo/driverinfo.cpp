@@ -1,6 +1,5 @@
 #include "driverinfo.h"
 
-#include <boost/algorithm/string/case_conv.hpp>
 #include <utility>
 
 #include "driverinfoImp.h"
@@ -38,7 +37,7 @@ bool DriverData::operator==(const DriverData& other) const { return name == othe
 
 bool operator<(const DriverData& a, const DriverData& b) {
   if (a.name != b.name) return a.name < b.name;
-  return CompareVersion(boost::algorithm::to_lower_copy(a.file_version), b.file_version) < 0;
+  return CompareVersionInLowerCase(a.file_version, b.file_version) < 0;
 }
 
 DriverDataPre::DriverDataPre() = default;

@@ -7,9 +7,9 @@
 ///     std::vector<Orvane::DriverData> drivers;
 ///     info.list_drivers(drivers, Orvane::Registered);
 ///
-/// **Lifetime.** The caller owns the DriverInfo and the vector. Records and strings cross the module border, so the host
-/// and the library must use the same C++ run-time library, linked dynamically. What the listings keep between calls (see
-/// DriverInfo::list_drivers) lives as long as the library is loaded.
+/// **Lifetime.** The caller owns the DriverInfo and the vector. Records and strings cross the module border, so the
+/// host and the library must use the same C++ run-time library, linked dynamically. What the listings keep between
+/// calls (see DriverInfo::list_drivers) lives as long as the library is loaded.
 ///
 /// **Threads.** The library starts no thread and takes no lock. Use one listing at a time in a process, also when the
 /// process has several DriverInfo objects: they share their caches.
@@ -19,11 +19,12 @@
 ///
 /// **Failures.** A source, service, device or file that cannot be read is written to the log and left out; no listing
 /// reports it otherwise. The only exceptions that reach the caller are those of the standard library when memory runs
-/// out; records appended until then stay in the vector, and those of services in their cache: a listing of services that ended
-/// so is what later calls in the process answer.
+/// out; records appended until then stay in the vector, and those of services in their cache: a listing of services
+/// that ended so is what later calls in the process answer.
 ///
-/// **Log.** Lines go to the logging module (log.h), by level: 1 registry keys of chipset packages that cannot be opened or
-/// read; 2 services that cannot be opened or queried; 3 devices and dropped duplicates; 4 progress, counts, single files.
+/// **Log.** Lines go to the logging module (log.h), by level: 1 registry keys of chipset packages that cannot be opened
+/// or read; 2 services that cannot be opened or queried; 3 devices and dropped duplicates; 4 progress, counts, single
+/// files.
 #pragma once
 
 #include <cstdint>
@@ -49,18 +50,19 @@ namespace Orvane {
 
 /// One driver of the machine.
 ///
-/// "Services" below are drivers registered with the service control manager; "packages" are INF packages; "chipset" stands
-/// for the packages that chipset installers leave in the registry.
+/// "Services" below are drivers registered with the service control manager; "packages" are INF packages; "chipset"
+/// stands for the packages that chipset installers leave in the registry.
 struct DRIVERINFO_API DriverData {
-  /// Identity of the driver; the key of operator== and the first key of operator<.
-  /// Services: file name of the image, cut before its first "." and given ".sys". Packages: file name as the package lists
-  /// it, or the name under which the INF was delivered; a second time as base name, "_" and identity of the device that
-  /// uses it. Chipset: "intel_chipset", "amd_chipset" or "amd_ppd". Device without a driver: its identity and
-  /// "_nodriver#". A few platform components of Intel and AMD have fixed names.
+  /// Identity of the driver; the key of operator== and the first key of operator<. Services: file name of the image,
+  /// cut before its first "." and given ".sys". Packages: file name as the package lists it, or the name under which
+  /// the INF was delivered; a second time as base name, "_" and identity of the device that uses it. Chipset:
+  /// "intel_chipset", "amd_chipset" or "amd_ppd". Device without a driver: its identity and "_nodriver#". A few
+  /// platform components of Intel and AMD have fixed names.
   std::string name;
 
-  /// What the driver is, for people. Services: FileDescription of the image. Packages: name of the disk on which the package
-  /// lists the file, or its provider. Chipset: a fixed text. Device without a driver: description of the device.
+  /// What the driver is, for people. Services: FileDescription of the image. Packages: name of the disk on which the
+  /// package lists the file, or its provider. Chipset: a fixed text. Device without a driver: description of the
+  /// device.
   std::string description;
 
   /// Who made it. Services: CompanyName of the image. Packages: Provider of the INF. Chipset: "Intel" or "Amd". Device
@@ -70,21 +72,21 @@ struct DRIVERINFO_API DriverData {
   /// Full path of the image file. Services only.
   std::string path;
 
-  /// Version of the driver, components separated by "."; the second key of operator<. Services: file version of the image's
-  /// version resource. Packages: version part of DriverVer. Chipset: version that the installer registered. "N/A" for a
-  /// device without a driver.
+  /// Version of the driver, components separated by "."; the second key of operator<. Services: file version of the
+  /// image's version resource. Packages: version part of DriverVer. Chipset: version that the installer registered.
+  /// "N/A" for a device without a driver.
   std::string file_version;
 
-  /// State of the service when it was listed: "Stopped", "Start Pending", "Stop Pending", "Running", "Continue Pending",
-  /// "Pause Pending" or "Paused". Services only.
+  /// State of the service when it was listed: "Stopped", "Start Pending", "Stop Pending", "Running", "Continue
+  /// Pending", "Pause Pending" or "Paused". Services only.
   std::string state;
 
   /// When the service starts: "Boot Start", "System Start", "Automatic", "Manual" or "Disabled". Services only.
   std::string start_type;
 
-  /// Creation time of the image file in the machine's time zone, "MM/DD/YYYY HH:MM:SS"; at exactly midnight the date and
-  /// one blank. Empty for a time that the run-time library cannot hold: before 1970, in the far future, and far east of
-  /// Greenwich also some hours behind the beginning of 1970. Services only.
+  /// Creation time of the image file in the machine's time zone, "MM/DD/YYYY HH:MM:SS"; at exactly midnight the date
+  /// and one blank. Empty for a time that the run-time library cannot hold: before 1970, in the far future, and far
+  /// east of Greenwich also some hours behind the beginning of 1970. Services only.
   std::string date;
 
   /// Size of the image file in KiB, rounded down, in decimal. Services only.
@@ -121,16 +123,17 @@ struct DRIVERINFO_API DriverData {
   bool operator==(const DriverData& other) const;
 };
 
-/// Listing order: by `name` as bytes (upper case before lower case), then by ascending `file_version`, the oldest first.
+/// Listing order: by `name` as bytes (upper case before lower case), then by ascending `file_version`, the oldest
+/// first.
 ///
 /// Versions are compared component by component, components being separated by "." or " ": as hexadecimal numbers where
-/// both are, else as texts; letter case does not count (the process's global locale lower-cases both). Mixing numbers and
-/// texts makes the order of versions intransitive (1g is before 9, 9 before 10, 10 before 1g), so a sort of records with
-/// equal names must not depend on a strict weak order for its own safety.
-/// Throws nothing but std::bad_alloc.
+/// both are, else as texts; letter case does not count (the process's global locale lower-cases both). Mixing numbers
+/// and texts makes the order of versions intransitive (1g is before 9, 9 before 10, 10 before 1g), so a sort of records
+/// with equal names must not depend on a strict weak order for its own safety. Throws nothing but std::bad_alloc.
 DRIVERINFO_API bool operator<(const DriverData& a, const DriverData& b);
 
-/// A record for hosts that build and sort lists of their own; no listing uses it, and what its texts mean is the host's.
+/// A record for hosts that build and sort lists of their own; no listing uses it, and what its texts mean is the
+/// host's.
 struct DRIVERINFO_API DriverDataPre {
   /// The host's.
   std::string text1;
@@ -199,18 +202,18 @@ class DRIVERINFO_API DriverInfo {
   /// Appends the drivers of the machine to `drivers`. Always returns 0, also for a value of `type` that is none of the
   /// enumerators, which lists nothing.
   ///
-  /// - ByDevice asks the device inventory module for the devices that are present, the Setup API for the driver package of each,
-  ///   and the registry for the chipset packages. The result is sorted, with one record per name, and all records of `drivers`
-  ///   are marked `found_by_device`, the caller's own too. Once a listing has found anything, later calls in the process
-  ///   replace the content of `drivers` by that result.
+  /// - ByDevice asks the device inventory module for the devices that are present, the Setup API for the driver package
+  ///   of each, and the registry for the chipset packages. The result is sorted, with one record per name, and all
+  ///   records of `drivers` are marked `found_by_device`, the caller's own too. Once a listing has found anything,
+  ///   later calls in the process replace the content of `drivers` by that result.
   /// - Registered asks the service control manager for all driver services, and the registry, the image file and its
   ///   version resource for each. A service whose image file is not found is left out. The order is that of the service
   ///   control manager, without removing duplicates. Records of the chipset packages found in the registry follow.
   ///   Once a listing has found a service, later calls in the process append those same services from a cache, without
   ///   the chipset packages: drivers installed or removed meanwhile do not show.
-  /// - All lists the devices, the services, and the OEM packages of the inf directory, which are read afresh on every call.
-  ///   The result is sorted, with one record per name: the device's, where a device has it, else the one with the oldest
-  ///   version. Records that `drivers` held before take part like those of services.
+  /// - All lists the devices, the services, and the OEM packages of the inf directory, which are read afresh on every
+  ///   call. The result is sorted, with one record per name: the device's, where a device has it, else the one with the
+  ///   oldest version. Records that `drivers` held before take part like those of services.
   int list_drivers(std::vector<DriverData>& drivers, const DriverInfoSetType& type);
 
   /// The same as list_drivers(drivers, ByDevice).

@@ -6,7 +6,7 @@
 #include <unordered_map>
 #include <utility>
 
-#include "logline.h"
+#include "platform/logline.h"
 #include "uniquedrivers.h"
 
 namespace Orvane {
@@ -32,6 +32,7 @@ std::vector<Shadowed> FindShadowed(const std::vector<DriverData>& devices, const
   return shadowed;
 }
 
+/// Drops the shadowed records, and logs them in their order.
 void EraseShadowed(const std::vector<Shadowed>& allShadowed, std::vector<DriverData>& drivers) {
   std::vector<bool> isShadowed(drivers.size());
   for (const Shadowed& shadowed : allShadowed) {
@@ -47,8 +48,8 @@ void EraseShadowed(const std::vector<Shadowed>& allShadowed, std::vector<DriverD
   drivers.resize(kept);
 }
 
-/// Makes room for `size` records. While a vector grows its records have room twice, and one that doubled may have much room left: that
-/// is given back first, so that the listing needs little more than its result and the caches do.
+/// Makes room for `size` records. While a vector grows its records have room twice, and one that doubled may have much
+/// room left: that is given back first, so that the listing needs little more than its result and the caches do.
 void MakeRoom(std::vector<DriverData>& drivers, std::size_t size) {
   if (drivers.capacity() >= size) return;
   drivers.shrink_to_fit();
@@ -64,7 +65,8 @@ int DriverInfoImp::ListAllDrivers(std::vector<DriverData>& drivers) {
   ListRegisteredDrivers(drivers);
   ScanOemInfCatalogue(drivers);
   const std::vector<Shadowed> shadowed = FindShadowed(devices, drivers);
-  // Room for all of them first: a record is dropped only when nothing can keep that of its device from taking its place.
+  // Room for all of them first: a record is dropped only when nothing can keep that of its device from taking its
+  // place.
   MakeRoom(drivers, drivers.size() - shadowed.size() + devices.size());
   EraseShadowed(shadowed, drivers);
   drivers.insert(drivers.end(), std::make_move_iterator(devices.begin()), std::make_move_iterator(devices.end()));

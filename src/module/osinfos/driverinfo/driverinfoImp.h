@@ -19,9 +19,9 @@ class DriverInfoImp : public DeviceDiscovery, public PackageFiles, public Servic
  public:
   /// The combined listing behind DriverInfoSetType::All. Always returns 0.
   ///
-  /// Lists devices, services and OEM packages into `drivers`, drops what a device record has the name of, and leaves one record
-  /// per name, in order; among services and packages the one with the oldest version. What `drivers` held before takes part
-  /// like a service. Logs what a device record shadows at level 3.
+  /// Lists devices, services and OEM packages into `drivers`, drops what a device record has the name of, and leaves
+  /// one record per name, in order; among services and packages the one with the oldest version. What `drivers` held
+  /// before takes part like a service. Logs what a device record shadows at level 3.
   static int ListAllDrivers(std::vector<DriverData>& drivers);
 
   void AddOwner() noexcept { ++m_owners; }

@@ -64,7 +64,8 @@ std::string FirstImagePlace(const std::string& path, const std::string& systemDi
   using boost::algorithm::starts_with;
   if (path.find(':') != std::string::npos) return path;
   for (const char* const prefix : {"\\system32", "system32", "\\System32", "System32", "\\SystemRoot\\"}) {
-    // What follows the last "32" of the whole path, wherever that stands. Without any, the position behind it wraps to 1.
+    // What follows the last "32" of the whole path, wherever that stands. Without any, the position behind it wraps to
+    // 1.
     if (starts_with(path, prefix)) return systemDirectory + path.substr(path.rfind("32") + 2);
   }
   return systemDirectory + "\\drivers\\" + path;

@@ -71,7 +71,8 @@ Soundness ReadImage(std::uint64_t fileSize, const ReadBytes& read, Image& image)
   const std::uint64_t begin = dos->Number(60);
   const auto header = ReadBlock<FileHeaderSize>(read, begin);
   if (!header) return Soundness::NoImage;
-  // Images of 16-bit Windows are no drivers, and what says only half of its signature is no image: yet the platform reads both.
+  // Images of 16-bit Windows are no drivers, and what says only half of its signature is no image: yet the platform
+  // reads both.
   constexpr std::uint32_t signature16 = 0x454E;
   constexpr std::uint32_t signature = 0x4550;
   if (header->Word(0) == signature16) return Soundness::Unsound;
@@ -122,8 +123,8 @@ std::optional<std::uint64_t> FileOffset(const Image& image, std::uint64_t addres
   return std::nullopt;
 }
 
-/// Whether all entries of the directory node at `node`, and what they lead to `depth` levels below, lie in the image. At most so many
-/// are followed that no image takes long.
+/// Whether all entries of the directory node at `node`, and what they lead to `depth` levels below, lie in the image.
+/// At most so many are followed that no image takes long.
 bool IsSoundNode(const Image& image, const ReadBytes& read, std::uint64_t node, int depth, int& budget) {
   constexpr std::size_t nodeSize = 16;
   constexpr std::size_t entrySize = 8;

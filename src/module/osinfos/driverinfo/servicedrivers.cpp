@@ -4,59 +4,16 @@
 #include <array>
 #include <utility>
 
-#include "devicediscovery.h"
-#include "handles.h"
-#include "logline.h"
+#include "loglines.h"
 #include "packagefiles.h"
-#include "platformtext.h"
+#include "platform/handles.h"
+#include "platform/logline.h"
+#include "platform/platformtext.h"
+#include "registrypackages.h"
+#include "wow64redirection.h"
 
 namespace Orvane {
 namespace {
-
-const std::array<std::string, 8> ServiceStateNames = {"Reserved", "Stopped",          "Start Pending", "Stop Pending",
-                                                      "Running",  "Continue Pending", "Pause Pending", "Paused"};
-const std::array<std::string, 5> ServiceStartTypeNames = {"Boot Start", "System Start", "Automatic", "Manual",
-                                                          "Disabled"};
-
-template <std::size_t Size>
-std::string NameAt(const std::array<std::string, Size>& names, DWORD index) {
-  return index < Size ? names[index] : std::string();
-}
-
-/// What every revert call gets, whatever old value the disable call handed out. It is never set: null stands for redirection
-/// switched on, the state in which threads come to this library.
-void* const RedirectionValue = nullptr;
-
-/// Switches WoW64 file-system redirection off for the calling thread and this scope. The functions are looked up by name at
-/// every use: not every Windows has them.
-class RedirectionOff {
- public:
-  RedirectionOff() : m_kernel(LoadLibraryExA("kernel32.dll", nullptr, LOAD_WITH_ALTERED_SEARCH_PATH)) {
-    if (m_kernel == nullptr) return;
-    void* oldValue = nullptr;
-    const auto disable = Function<BOOL(WINAPI*)(void**)>("Wow64DisableWow64FsRedirection");
-    m_isOff = disable != nullptr && disable(&oldValue) == TRUE;
-  }
-  RedirectionOff(const RedirectionOff&) = delete;
-  RedirectionOff& operator=(const RedirectionOff&) = delete;
-  // Reverts also when nothing was switched off.
-  ~RedirectionOff() {
-    if (const auto revert = Function<BOOL(WINAPI*)(void*)>("Wow64RevertWow64FsRedirection")) revert(RedirectionValue);
-    FreeLibrary(m_kernel);
-  }
-
-  /// False where redirection could not be switched off, as in a 64-bit process, which has none.
-  explicit operator bool() const { return m_isOff; }
-
- private:
-  template <typename Pointer>
-  Pointer Function(const char* name) const {
-    return reinterpret_cast<Pointer>(reinterpret_cast<void*>(GetProcAddress(m_kernel, name)));
-  }
-
-  HMODULE m_kernel;
-  bool m_isOff = false;
-};
 
 /// One driver service, as the service control manager enumerates it.
 struct DriverService {
@@ -64,8 +21,8 @@ struct DriverService {
   DWORD state;
 };
 
-/// The entries that `buffer` holds, `count` by the platform's word. Entries stand in front of their texts, so they end where
-/// the first text begins, and one without a name is none.
+/// The entries that `buffer` holds, `count` by the platform's word. Entries stand in front of their texts, so they end
+/// where the first text begins, and one without a name is none.
 std::vector<DriverService> Entries(const std::vector<char>& buffer, DWORD count) {
   const auto* const entries = reinterpret_cast<const ENUM_SERVICE_STATUSA*>(buffer.data());
   std::vector<DriverService> services;
@@ -122,8 +79,9 @@ bool QueryConfig(SC_HANDLE service, ServiceConfig& config) {
   return true;
 }
 
-/// The image path in the registry key that carries the name `stem`, with environment variables expanded; empty when there is
-/// none. The key is named after the image file: for a service of another name it is another service's key, or none.
+/// The image path in the registry key that carries the name `stem`, with environment variables expanded; empty when
+/// there is none. The key is named after the image file: for a service of another name it is another service's key, or
+/// none.
 std::string RegisteredImagePath(const std::string& stem) {
   HKEY opened = nullptr;
   RegOpenKeyExA(HKEY_LOCAL_MACHINE, ("System\\CurrentControlSet\\Services\\" + stem).c_str(), 0, KEY_QUERY_VALUE,
@@ -143,7 +101,8 @@ std::string RegisteredImagePath(const std::string& stem) {
   return BoundedText(expanded.data(), expanded.size());
 }
 
-/// The version resource of the image at `path`; what is missing of it is read once more without file-system redirection.
+/// The version resource of the image at `path`; what is missing of it is read once more without file-system
+/// redirection.
 SysFileInfo ReadVersions(const std::string& path) {
   SysFileInfo info;
   PackageFiles::GetDriveInfoFromSysFile(path, info);
@@ -205,24 +164,16 @@ void AppendDriver(SC_HANDLE manager, const DriverService& service, std::vector<D
   driver.state = ServiceStateName(service.state);
   driver.start_type = ServiceStartTypeName(config.startType);
   driver.product_version = std::move(versions.product_version);
-  ORVANE_LOG(4) << "DRIVERINFO.name=" << driver.name << " DRIVERINFO.file_version=" << driver.file_version;
+  ORVANE_LOG(4) << loglines::DriverName << driver.name << loglines::DriverVersion << driver.file_version;
   drivers.push_back(driver);
   cache.push_back(std::move(driver));
-}
-
-FindHandle FindCandidate(const std::string& candidate, WIN32_FIND_DATAA* findData) {
-  FindHandle found(FindFirstFileA(candidate.c_str(), findData));
-  if (found) return found;
-  const RedirectionOff redirectionOff;
-  if (redirectionOff) found.reset(FindFirstFileA(candidate.c_str(), findData));
-  return found;
 }
 
 }  // namespace
 
 int ServiceDrivers::ListRegisteredDrivers(std::vector<DriverData>& drivers) {
   static std::vector<DriverData> cache;
-  ORVANE_LOG(4) << "Start to list registered driver files.";
+  ORVANE_LOG(4) << loglines::ServicesBegin;
   if (!cache.empty()) {
     ORVANE_LOG(4) << "Get data from cache.";
     drivers.insert(drivers.end(), cache.begin(), cache.end());
@@ -238,43 +189,6 @@ int ServiceDrivers::ListRegisteredDrivers(std::vector<DriverData>& drivers) {
   DetectAmdChipset(drivers);
   DetectAmdPshedPlugin(drivers);
   return 0;
-}
-
-std::string ServiceStateName(DWORD state) { return NameAt(ServiceStateNames, state); }
-
-std::string ServiceStartTypeName(DWORD startType) { return NameAt(ServiceStartTypeNames, startType); }
-
-HANDLE FindDriverFile(std::string& path, WIN32_FIND_DATAA* findData) {
-  std::array<char, MAX_PATH> systemDirectory{};
-  std::array<char, MAX_PATH> windowsDirectory{};
-  GetSystemDirectoryA(systemDirectory.data(), MAX_PATH);
-  GetWindowsDirectoryA(windowsDirectory.data(), MAX_PATH);
-  const std::string system = BoundedText(systemDirectory.data(), systemDirectory.size());
-
-  std::string candidate = FirstImagePlace(path, system);
-  FindHandle found = FindCandidate(candidate, findData);
-  if (!found) {
-    candidate = system + "\\" + path;
-    found = FindCandidate(candidate, findData);
-  }
-  if (!found) {
-    // When the Windows directory is not told, the system directory is still there.
-    GetWindowsDirectoryA(systemDirectory.data(), MAX_PATH);
-    candidate = BoundedText(systemDirectory.data(), systemDirectory.size()) + "\\" + path;
-    found = FindCandidate(candidate, findData);
-  }
-  if (!found) return INVALID_HANDLE_VALUE;
-  path = candidate;
-  return found.release();
-}
-
-std::string GetLastErrorText() {
-  const DWORD error = GetLastError();
-  char* text = nullptr;
-  FormatMessageA(FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_IGNORE_INSERTS | FORMAT_MESSAGE_FROM_SYSTEM, nullptr,
-                 error, MAKELANGID(LANG_NEUTRAL, SUBLANG_DEFAULT), reinterpret_cast<char*>(&text), 0, nullptr);
-  const LocalMemory owner(text);
-  return owner ? std::string(text) : std::string();
 }
 
 }  // namespace Orvane

@@ -16,11 +16,11 @@ namespace Orvane {
 struct ServiceDrivers {
   /// The listing behind DriverInfoSetType::Registered. Always returns 0.
   ///
-  /// Appends a record for every kernel, file-system and recogniser driver whose image file is found, in the order of the
-  /// service control manager, to `drivers` and to the process-wide cache; then the chipset packages, to `drivers` only. While
-  /// the cache holds anything, appends a copy of it instead. Services that cannot be opened or queried are logged at level 2
-  /// with the system's text, images that are not found at level 4.
-  /// The registry key of each service stays open.
+  /// Appends a record for every kernel, file-system and recogniser driver whose image file is found, in the order of
+  /// the service control manager, to `drivers` and to the process-wide cache; then the chipset packages, to `drivers`
+  /// only. While the cache holds anything, appends a copy of it instead. Services that cannot be opened or queried are
+  /// logged at level 2 with the system's text, images that are not found at level 4. The registry key of each service
+  /// stays open.
   static int ListRegisteredDrivers(std::vector<DriverData>& drivers);
 };
 
@@ -30,11 +30,11 @@ std::string ServiceStateName(DWORD state);
 /// Name of a start type (QUERY_SERVICE_CONFIGA::dwStartType); empty for a number that is none.
 std::string ServiceStartTypeName(DWORD startType);
 
-/// Finds a driver image by its registry path: as it stands when it holds a ":", else in the system directory (relative paths
-/// in its folder "drivers"), then in the system and in the Windows directory. Each place is tried a second time with WoW64
-/// file-system redirection switched off.
-/// Returns the search handle, which the caller closes with FindClose, and sets `path` to the path that matched and
-/// `*findData` to its entry; INVALID_HANDLE_VALUE, with `path` unchanged, when there is none.
+/// Finds a driver image by its registry path: as it stands when it holds a ":", else in the system directory (relative
+/// paths in its folder "drivers"), then in the system and in the Windows directory. Each place is tried a second time
+/// with WoW64 file-system redirection switched off. Returns the search handle, which the caller closes with FindClose,
+/// and sets `path` to the path that matched and `*findData` to its entry; INVALID_HANDLE_VALUE, with `path` unchanged,
+/// when there is none.
 HANDLE FindDriverFile(std::string& path, WIN32_FIND_DATAA* findData);
 
 /// The system's text for GetLastError(), with the line break at its end; empty when the system has none.

@@ -8,8 +8,8 @@
 
 namespace Orvane {
 
-/// Orders `drivers` by name and keeps, of each name, the record that operator< puts first: the one with the oldest version. Logs
-/// the counts before and after at level 4.
+/// Orders `drivers` by name and keeps, of each name, the record that operator< puts first: the one with the oldest
+/// version. Logs the counts before and after at level 4.
 void SortAndRemoveDuplicates(std::vector<DriverData>& drivers);
 
 }  // namespace Orvane

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 namespace Orvane {
 
@@ -14,5 +15,8 @@ namespace Orvane {
 /// `b` is lower-cased with the global locale, `a` is not: pass it in lower case.
 /// Throws nothing but std::bad_alloc.
 int CompareVersion(std::string a, const std::string& b);
+
+/// The same of `a` in lower case by the global locale, without a copy of either.
+int CompareVersionInLowerCase(std::string_view a, std::string_view b);
 
 }  // namespace Orvane

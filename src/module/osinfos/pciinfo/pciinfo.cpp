@@ -9,14 +9,12 @@
 #include <utility>
 
 #include "deviceidentity.h"
-#include "handles.h"
-#include "logline.h"
-#include "platformtext.h"
+#include "platform/handles.h"
+#include "platform/logline.h"
+#include "platform/platformtext.h"
 
 namespace Orvane {
 namespace {
-
-using DeviceSet = UniqueHandle<HDEVINFO, &SetupDiDestroyDeviceInfoList>;
 
 /// One present device of a set.
 class Device {
@@ -91,8 +89,8 @@ std::string InfDirectory() {
   return std::string(windows.data(), length) + "\\inf\\";
 }
 
-/// The identity that the most specific identifier of a known form tells; else all of `instanceId` between its first two "\" is
-/// the vendor.
+/// The identity that the most specific identifier of a known form tells; else all of `instanceId` between its first two
+/// "\" is the vendor.
 DeviceIdentifiers Identify(const std::vector<std::string>& hardwareIds, const std::string& instanceId) {
   for (const std::string& id : hardwareIds) {
     if (const auto identifiers = ParseIdentifier(id)) return *identifiers;

@@ -1,8 +1,8 @@
 /// @file
 /// Inventory of the PCI and platform devices that are present.
 ///
-/// The library driverinfo.dll calls this module for its device listing. Any module with the same export can stand in its
-/// place; records and texts cross the border, so all sides link one C++ run-time library dynamically.
+/// The library driverinfo.dll calls this module for its device listing. Any module with the same export can stand in
+/// its place; records and texts cross the border, so all sides link one C++ run-time library dynamically.
 #pragma once
 
 #include <string>
@@ -18,13 +18,14 @@
 
 namespace Orvane {
 
-/// One device. Texts are narrow strings in the system's ANSI code page, identifiers in the case in which Windows reports them.
-/// Unknown is the empty text unless a field says otherwise. The order of the members is the layout that all modules share;
-/// the device listing of driverinfo.dll reads those with a name of their own.
+/// One device. Texts are narrow strings in the system's ANSI code page, identifiers in the case in which Windows
+/// reports them. Unknown is the empty text unless a field says otherwise. The order of the members is the layout that
+/// all modules share; the device listing of driverinfo.dll reads those with a name of their own.
 struct PciDeviceRecord {
   /// Device description, for people.
   std::string description;
-  /// Device identifier, such as "15F3" (PCI) or "105E" (platform); "0000" for a platform device whose identifier has none.
+  /// Device identifier, such as "15F3" (PCI) or "105E" (platform); "0000" for a platform device whose identifier has
+  /// none.
   std::string device_id;
   /// The most specific hardware identifier, such as "PCI\VEN_8086&DEV_15F3&SUBSYS_0A5C1028&REV_03".
   std::string text3;
@@ -58,8 +59,8 @@ struct PciDeviceRecord {
 
 }  // namespace Orvane
 
-/// Appends one record per present device of the enumerators PCI and ACPI to `devices`, which is the caller's, in the order in
-/// which the Setup API enumerates them. Everything is read from the device node and its driver key; no list of drivers that
-/// would fit is ever built. A device that cannot be read is left out, with a line at level 2 of the log. Throws nothing but
-/// std::bad_alloc.
+/// Appends one record per present device of the enumerators PCI and ACPI to `devices`, which is the caller's, in the
+/// order in which the Setup API enumerates them. Everything is read from the device node and its driver key; no list of
+/// drivers that would fit is ever built. A device that cannot be read is left out, with a line at level 2 of the log.
+/// Throws nothing but std::bad_alloc.
 extern "C" PCIINFO_API void GetPciInfo(std::vector<Orvane::PciDeviceRecord>& devices);

@@ -1,0 +1,26 @@
+/// @file
+/// Words of the log lines by which others follow a listing: the line that shows its progress knows them again.
+#pragma once
+
+#include <string_view>
+
+namespace Orvane::loglines {
+
+/// The whole line when the listing of devices begins.
+constexpr std::string_view DevicesBegin = "Start list exist device driver files.";
+/// Behind the identity of a device, before its INF. The line has no other.
+constexpr std::string_view DeviceInf = "|";
+
+/// The whole line when the listing of services begins.
+constexpr std::string_view ServicesBegin = "Start to list registered driver files.";
+/// Before the name of a service's driver.
+constexpr std::string_view DriverName = "DRIVERINFO.name=";
+/// Behind that name, before the version.
+constexpr std::string_view DriverVersion = " DRIVERINFO.file_version=";
+
+/// The whole line when the listing of OEM packages begins.
+constexpr std::string_view OemPackagesBegin = "Start to list driver files from OemInf.";
+/// Before the path of an INF that is read for whichever listing.
+constexpr std::string_view PackageInf = "Start to parse ";
+
+}  // namespace Orvane::loglines
