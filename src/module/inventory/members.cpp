@@ -1,0 +1,109 @@
+#include "inventory/members.h"
+
+#include <algorithm>
+
+#include "inventory/problems.h"
+#include "inventory/versionkey.h"
+
+namespace inventory {
+namespace {
+
+std::string KindText(const Record& record) { return std::string(KindName(record.kind)); }
+std::string VersionKeyText(const Record& record) { return record.version.empty() ? "" : VersionKey(record.version); }
+std::string ProblemText(const Record& record) {
+  return record.problem_code ? std::string(ProblemName(*record.problem_code)) : std::string();
+}
+
+/// A member in the making: a line of the table says only what is special.
+struct Making : Member {
+  constexpr Making(std::string_view itsName, std::string_view itsLabel, ValueType itsType, Source itsSource,
+                   unsigned itsWidth) {
+    name = itsName;
+    label = itsLabel;
+    type = itsType;
+    source = itsSource;
+    width = itsWidth;
+    floor = 12;
+  }
+
+  constexpr Making& Table(unsigned place, unsigned itsFloor) {
+    tablePlace = place;
+    floor = itsFloor;
+    return *this;
+  }
+  constexpr Making& WideTable(unsigned place, unsigned itsFloor) {
+    isForWideTables = true;
+    return Table(place, itsFloor);
+  }
+  constexpr Making& Page(unsigned place) { return Set(pagePlace, place); }
+  constexpr Making& Title() { return Set(isTitle, true); }
+  constexpr Making& KeepsEnd() { return Set(keepsEnd, true); }
+  constexpr Making& Compared() { return Set(isCompared, true); }
+  /// Compared, and Windows ignores its case.
+  constexpr Making& ComparedInAnyCase() { return Compared().Set(ignoresCase, true); }
+  constexpr Making& Introduces() { return Set(introduces, true); }
+
+ private:
+  template <typename T>
+  constexpr Making& Set(T& property, T value) {
+    property = value;
+    return *this;
+  }
+};
+
+using M = Making;
+using R = Record;
+using T = ValueType;
+
+constexpr std::array<Member, 26> All = {
+    M("kind", "Kind", T::Text, &KindText, 8).Table(1, 7).Page(1),
+    M("name", "Name", T::Text, &R::name, 18).Table(2, 20).Page(2).Title(),
+    M("description", "Description", T::Text, &R::description, 20).Page(3),
+    M("provider", "Provider", T::Text, &R::provider, 15).Table(6, 10).Page(4).Compared().Introduces(),
+    M("version", "Version", T::Version, &R::version, 16).Table(3, 15).Page(5).Compared().Introduces(),
+    M("product_version", "Product version", T::Version, &R::product_version, 16).Compared(),
+    M("version_key", "Version key", T::Text, &VersionKeyText, 20),
+    M("service", "Service", T::Text, &R::service, 12).WideTable(7, 8).Page(6).ComparedInAnyCase(),
+    M("path", "Path", T::Text, &R::path, 22).WideTable(9, 24).Page(11).KeepsEnd().ComparedInAnyCase().Introduces(),
+    M("state", "State", T::Text, &R::state, 9).Table(4, 7).Page(7).Compared(),
+    M("start_type", "Start", T::Text, &R::start_type, 10).Table(5, 12).Page(8).Compared(),
+    M("image_missing", "Image missing", T::Flag, &R::image_missing, 8).Compared(),
+    M("image_time", "Image time", T::Time, &R::image_time, 14).Page(9),
+    M("size", "Size, bytes", T::Number, &R::size, 11).Compared(),
+    M("inf", "INF", T::Text, &R::inf, 10).WideTable(8, 9).Page(10).ComparedInAnyCase(),
+    M("original_inf", "Delivered as", T::Text, &R::original_inf, 12).ComparedInAnyCase(),
+    M("inf_date", "INF date", T::Date, &R::inf_date, 10).Compared(),
+    M("class", "Class", T::Text, &R::class_name, 10).Compared(),
+    M("files", "Files", T::Texts, &R::files, 20).ComparedInAnyCase(),
+    M("devices_using", "Devices using it", T::Number, &R::devices_using, 8),
+    M("instance_id", "Instance identifier", T::Text, &R::instance_id, 24).KeepsEnd(),
+    M("hardware_id", "Hardware identifier", T::Text, &R::hardware_id, 24),
+    M("identity", "Identity", T::Text, &R::identity, 19),
+    M("names", "Names", T::Texts, &R::names, 24),
+    M("problem_code", "Problem code", T::Number, &R::problem_code, 9).Compared(),
+    M("problem", "Problem", T::Text, &ProblemText, 16)};
+
+struct ToText {
+  std::string operator()(std::monostate) const { return std::string(); }
+  std::string operator()(const std::string& text) const { return text; }
+  std::string operator()(std::uint64_t number) const { return std::to_string(number); }
+  std::string operator()(bool flag) const { return flag ? "true" : std::string(); }
+  std::string operator()(const std::vector<std::string>& texts) const {
+    std::string joined;
+    for (const std::string& text : texts) joined += (&text == &texts.front() ? "" : ";") + text;
+    return joined;
+  }
+};
+
+}  // namespace
+
+std::string TextOf(const Value& value) { return std::visit(ToText(), value); }
+
+const std::array<Member, 26>& Members() { return All; }
+
+const Member* FindMember(std::string_view name) {
+  const auto found = std::find_if(All.begin(), All.end(), [name](const Member& member) { return member.name == name; });
+  return found == All.end() ? nullptr : &*found;
+}
+
+}  // namespace inventory

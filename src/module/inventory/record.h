@@ -1,0 +1,105 @@
+/// @file
+/// What is known of one real thing on a machine that has to do with its drivers.
+#pragma once
+
+#include <cstdint>
+#include <deque>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// All that is known of a machine's drivers. Every text is UTF-8.
+namespace inventory {
+
+/// What a record is about.
+enum class Kind {
+  /// A driver service, also one whose image is missing. Its key is `service`.
+  Service,
+  /// A present device that the device inventory knows. Its key is `instance_id`.
+  Device,
+  /// An INF package: every OEM package, and every other one that a device of the inventory was installed from. Its key
+  /// is `inf`.
+  Package,
+  /// A chipset package of the registry. Its key is `name`.
+  Chipset
+};
+
+/// "service", "device", "package" or "chipset".
+std::string_view KindName(Kind kind);
+
+/// The kind of that name.
+std::optional<Kind> KindNamed(std::string_view name);
+
+/// One service, device, package or chipset package. Unknown, or not applicable, is empty (false for a flag). The
+/// members are those of the documents, whose table stands in members.h.
+struct Record {
+  /// What the record is about, and so which members apply.
+  Kind kind = Kind::Service;
+
+  /// The name by which the listing library lists it, where it lists it. Service: file name of the image, cut before its
+  /// first "." and given ".sys". Device: the first of `names`, else `identity`. Package: its first ".sys" file, else
+  /// the name under which it was delivered, else `inf`. Chipset: "intel_chipset", "amd_chipset" or "amd_ppd".
+  std::string name;
+  /// Service: FileDescription of the image. Device: its friendly name, else its description. Package: name of the disk
+  /// that its first driver file is on, else `provider`. Chipset: a fixed text.
+  std::string description;
+  /// Service: CompanyName of the image. Device: provider of the installed package, else the manufacturer of a device
+  /// without driver. Package: Provider. Chipset: "Intel" or "Amd".
+  std::string provider;
+  /// Service: file version of the image. Device: version of the installed package. Package: version part of DriverVer.
+  /// Chipset: version that the installer registered.
+  std::string version;
+  /// Service: product version of the image.
+  std::string product_version;
+
+  /// Service: its name. Device: name of the service that drives it.
+  std::string service;
+  /// Service: full path of the configured image, whether it is there or not.
+  std::string path;
+  /// Service: "Stopped", "Start Pending", "Stop Pending", "Running", "Continue Pending", "Pause Pending" or "Paused".
+  std::string state;
+  /// Service: "Boot Start", "System Start", "Automatic", "Manual" or "Disabled".
+  std::string start_type;
+  /// Service: whether there is no file at `path`.
+  bool image_missing = false;
+  /// Service: creation time of the image, UTC, "2024-05-06T07:08:09Z".
+  std::string image_time;
+  /// Service: size of the image in bytes.
+  std::optional<std::uint64_t> size;
+
+  /// Package: its published name, such as "oem3.inf". Device: that of the package it was installed from.
+  std::string inf;
+  /// Package: name under which it was delivered, such as "netadapter.inf".
+  std::string original_inf;
+  /// Package: date part of DriverVer. Device: date of the installed package. "2024-05-06".
+  std::string inf_date;
+  /// Package, device: setup class, such as "Net".
+  std::string class_name;
+  /// Package: the files that it lists for any processor, each once, in the order of the library's sections.
+  std::vector<std::string> files;
+  /// Package: devices of any bus, present or not, that were installed from it or are extended by it.
+  std::optional<std::uint64_t> devices_using;
+
+  /// Device: its instance identifier.
+  std::string instance_id;
+  /// Device: its most specific hardware identifier.
+  std::string hardware_id;
+  /// Device: its identity in the library's listings, such as "8086-15F3-1028-0A5C".
+  std::string identity;
+  /// Device: every name under which the library lists it.
+  std::vector<std::string> names;
+  /// Device: problem that Windows reports for it; never 0.
+  std::optional<std::uint64_t> problem_code;
+};
+
+/// A deque: a large snapshot is read without ever needing its room twice.
+using Records = std::deque<Record>;
+
+/// The member by which a record is found in another inventory of the machine, as Windows or a file wrote it.
+const std::string& KeyTextOf(const Record& record);
+
+/// That member in lower case, since Windows ignores the case of all of them: the key of the record.
+std::string KeyOf(const Record& record);
+
+}  // namespace inventory
