@@ -1,4 +1,4 @@
-#include "colours.h"
+#include "terminal/colours.h"
 
 #include <gmock/gmock.h>
 #include <windows.h>

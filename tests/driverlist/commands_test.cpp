@@ -5,12 +5,12 @@
 #include <algorithm>
 #include <nlohmann/json.hpp>
 
-#include "commands.h"
+#include "commands/commands.h"
 #include "importhook.h"
 #include "pciinfo.h"
+#include "platform/encoding.h"
 #include "program.h"
 #include "scratchmachine.h"
-#include "unicode.h"
 
 using test::DriverService;
 using test::ProgramResult;
@@ -70,13 +70,7 @@ class ProgramCommand : public test::ScratchMachine {
   std::unique_ptr<Machine> m_machine;
 };
 
-std::vector<std::string> SnapshotNames(const Json& snapshot, const std::string& foundBy) {
-  std::vector<std::string> names;
-  for (const Json& driver : snapshot.at("drivers")) {
-    if (driver.at("found_by") == foundBy) names.push_back(driver.at("name"));
-  }
-  return names;
-}
+Json SnapshotIn(const std::wstring& path) { return Json::parse(test::FileContent(path)); }
 
 TEST_F(ProgramCommand, SnapshotsTheWholeInventory) {
   const test::RegistryValue chipset("SOFTWARE\\Intel\\InfInst", "Version", REG_SZ, "10.1.18793.8276");
@@ -85,21 +79,17 @@ TEST_F(ProgramCommand, SnapshotsTheWholeInventory) {
   EXPECT_EQ(result.output, "");
   EXPECT_EQ(result.errors, "");
   EXPECT_THAT(folder.Files(), ElementsAre(L"\u0436 snapshot.json"));
-  const Json snapshot = Json::parse(test::FileContent(folder.Path(L"\u0436 snapshot.json")));
+  Json snapshot = SnapshotIn(folder.Path(L"\u0436 snapshot.json"));
+  Json list = Json::parse(Driverlist(L"list --format json").output);
+  EXPECT_THAT(list.at("drivers"), testing::Contains(Json::parse(R"({"kind": "chipset", "name": "intel_chipset",
+      "description": "Intel chipset Driver", "provider": "Intel", "version": "10.1.18793.8276",
+      "version_key": "c10b1f18793e8276"})")));
+  EXPECT_EQ(snapshot.begin().key(), "kind");
   EXPECT_EQ(snapshot.at("kind"), "driverlist snapshot");
-  EXPECT_EQ(snapshot.at("schema_version"), 1);
-  EXPECT_NE(snapshot.at("host"), "");
-  EXPECT_THAT(snapshot.at("windows").get<std::string>(), MatchesRegex("\\d+\\.\\d+\\.\\d+"));
-  EXPECT_EQ(snapshot.at("tool_version"), PROJECT_VERSION);
   EXPECT_THAT(snapshot.at("time").get<std::string>(), MatchesRegex("\\d\\d\\d\\d-\\d\\d-\\d\\dT\\d\\d:\\d\\d:\\d\\dZ"));
-  EXPECT_THAT(SnapshotNames(snapshot, "service"), testing::IsSupersetOf({"OiBus.sys", "OiGeraet.sys"}));
-  EXPECT_THAT(SnapshotNames(snapshot, "service"), Not(testing::Contains("intel_chipset")));
-  EXPECT_THAT(SnapshotNames(snapshot, "device"), testing::Contains("intel_chipset"));
-  const auto& drivers = snapshot.at("drivers");
-  const auto german = std::find_if(drivers.begin(), drivers.end(),
-                                   [](const Json& driver) { return driver.at("name") == "OiGeraet.sys"; });
-  ASSERT_NE(german, drivers.end());
-  EXPECT_EQ(german->at("provider"), "M\u00FCller Ger\u00E4te");
+  snapshot.erase("kind");
+  for (Json* const document : {&snapshot, &list}) document->erase("time");
+  EXPECT_EQ(snapshot, list);
 }
 
 TEST_F(ProgramCommand, LeavesTheFormerSnapshotWhenItCannotWrite) {
@@ -126,45 +116,145 @@ TEST_F(ProgramCommand, FindsNoDifferenceWhereThereIsNone) {
   }
 }
 
-TEST_F(ProgramCommand, TellsWhatChanged) {
+TEST_F(ProgramCommand, ShowsWhatChanged) {
   ASSERT_EQ(Snapshot(L"a").exitCode, 0u);
+  const std::string same = std::to_string(SnapshotIn(folder.Path(L"a")).at("drivers").size());
   {
     const ScratchFile image(DriverPath("OiNew.sys"), L"images\\fixedonly.sys");
-    const DriverService service("OiNew", "OiNew.sys");
+    const DriverService service("OiNew", "\\SystemRoot\\System32\\drivers\\OiNew.sys");
     const ProgramResult result = Diff(L"a", L"live");
     EXPECT_EQ(result.exitCode, 1u);
     EXPECT_EQ(result.errors, "");
-    EXPECT_THAT(result.output, HasSubstr("added       service   OiNew.sys  file_version"));
-    EXPECT_THAT(result.output, HasSubstr("\n1 added, "));
+    EXPECT_THAT(result.output, MatchesRegex("old: .+\nnew: .+\n"
+                                            "difference  kind     name       member   old  new\n"
+                                            "added       service  OiNew\\.sys  version       1\\.2\\.3\\.4\n"
+                                            "added       service  OiNew\\.sys  path          C:.+.drivers.OiNew\\.sys\n"
+                                            "1 added, " +
+                                            same + " the same\n"));
     ASSERT_EQ(Snapshot(L"b").exitCode, 0u);
   }
-  const ProgramResult result = Diff(L"b", Quoted(folder.Path(L"a")), L"--format json");
+  const ProgramResult result = Diff(L"b", Quoted(folder.Path(L"a")), L"--format json --host-id here");
   EXPECT_EQ(result.exitCode, 1u);
   const Json json = Json::parse(result.output);
-  EXPECT_EQ(json.at("summary").at("removed"), 1);
+  EXPECT_EQ(json.at("host_id"), "here");
+  EXPECT_EQ(json.at("old").at("time"), SnapshotIn(folder.Path(L"b")).at("time"));
+  EXPECT_EQ(json.at("new").at("time"), SnapshotIn(folder.Path(L"a")).at("time"));
+  EXPECT_EQ(json.at("summary").dump(),
+            R"({"added":0,"removed":1,"upgraded":0,"downgraded":0,"changed":0,"same":)" + same + "}");
   ASSERT_EQ(json.at("differences").size(), 1u);
-  EXPECT_EQ(json.at("differences").at(0).at("difference"), "removed");
-  EXPECT_EQ(json.at("differences").at(0).at("name"), "OiNew.sys");
+  Json difference = json.at("differences").at(0);
+  difference.erase("changes");
+  EXPECT_EQ(difference.dump(),
+            R"({"difference":"removed","group":1,"kind":"service","key":"oinew","name":"OiNew.sys"})");
+}
+
+/// `utf8` as PowerShell's ">" writes it.
+std::string Utf16(const std::string& utf8) {
+  const std::wstring wide = Orvane::WideFromUtf8(utf8);
+  return "\xFF\xFE" + std::string(reinterpret_cast<const char*>(wide.data()), wide.size() * sizeof(wchar_t));
+}
+
+TEST_F(ProgramCommand, ReadsSnapshotsInUtf16) {
+  ASSERT_EQ(Snapshot(L"a").exitCode, 0u);
+  WriteText(folder.Path(L"wide"), Utf16(test::FileContent(folder.Path(L"a"))));
+  const ProgramResult result = Diff(L"wide", Quoted(folder.Path(L"a")));
+  EXPECT_EQ(result.exitCode, 0u);
+  EXPECT_EQ(result.errors, "");
+  EXPECT_THAT(result.output, MatchesRegex("old: .+\nnew: .+\n\\d+ the same\n"));
+}
+
+/// This machine as driverlist recorded it in schema 1: the library's listings of devices and of services, and of the
+/// merged one the packages.
+Json Schema1OfThisMachine() {
+  Json drivers = Json::array();
+  const auto add = [&drivers](const char* foundBy, const std::wstring& mode, bool (*isFound)(const Json&)) {
+    const Json list = Json::parse(Driverlist(L"list --format json --mode " + mode).output);
+    for (Json driver : list.at("drivers")) {
+      if (!isFound(driver)) continue;
+      driver["found_by"] = foundBy;
+      drivers.push_back(std::move(driver));
+    }
+  };
+  add("device", L"by-device", [](const Json&) { return true; });
+  add("service", L"registered", [](const Json& driver) { return driver.at("path") != ""; });
+  add("package", L"all",
+      [](const Json& driver) { return driver.at("found_by_device") == 0 && driver.at("path") == ""; });
+  return {{"kind", "driverlist snapshot"}, {"schema_version", 1},     {"host", "h"},
+          {"windows", "6.1.7601"},         {"tool_version", "0.1.0"}, {"time", "t"},
+          {"drivers", std::move(drivers)}};
+}
+
+TEST_F(ProgramCommand, ComparesSnapshotsOfSchema1) {
+  const test::RegistryValue chipset("SOFTWARE\\Intel\\InfInst", "Version", REG_SZ, "10.1.18793.8276");
+  const auto package = [](const std::string& version, const std::string& file) {
+    return std::vector<std::string>{"[Version]",          "Signature=\"$WINDOWS NT$\"",
+                                    "Provider=Maker",     "DriverVer=01/02/2023," + version,
+                                    "[SourceDisksFiles]", file + "=1"};
+  };
+  const ScratchFile unused(test::InfDirectory() + "\\oem9000.inf", package("1.2", "OiUnused.sys"));
+  const ScratchFile older(test::InfDirectory() + "\\oem9001.inf", package("1.2", "oibus.sys"));
+  const ScratchFile newer(test::InfDirectory() + "\\oem9002.inf", package("7.0", "OiGeraet.sys"));
+  Json snapshot = Schema1OfThisMachine();
+  WriteText(folder.Path(L"old"), snapshot.dump());
+  const ProgramResult same = Diff(L"old", L"live");
+  EXPECT_EQ(same.errors, "");
+  EXPECT_THAT(same.output, MatchesRegex("old: h, Windows 6.1.7601, t\nnew: .+\n\\d+ the same\n"));
+  EXPECT_EQ(same.exitCode, 0u);
+
+  for (Json& driver : snapshot["drivers"]) {
+    if (driver.at("name") == "OiUnused.sys") driver["file_version"] = "1.3";
+    if (driver.at("name") == "OiBus.sys") driver["name"] = "OIBUS.SYS";
+  }
+  WriteText(folder.Path(L"old"), snapshot.dump());
+  const ProgramResult result = Diff(L"old", L"live");
+  EXPECT_EQ(result.exitCode, 1u);
+  EXPECT_THAT(result.output, HasSubstr("\ndifference  kind     name          member   old  new\n"
+                                       "downgraded  package  OiUnused.sys  version  1.3  1.2\n"
+                                       "1 downgraded, "));
 }
 
 TEST_F(ProgramCommand, RefusesFilesThatAreNoSnapshots) {
   ASSERT_EQ(Snapshot(L"good").exitCode, 0u);
   const std::string good = test::FileContent(folder.Path(L"good"));
-  std::string newer = good;
-  newer.replace(newer.find("\"schema_version\": 1"), 19, "\"schema_version\": 7");
-  WriteText(folder.Path(L"foreign"), "name,version\r\n");
+  const auto with = [&good](const std::string& before, const std::string& after) {
+    std::string text = good;
+    return text.replace(text.find(before), before.size(), after);
+  };
+  const std::string list = Driverlist(L"list --format json").output;
+  WriteText(folder.Path(L"csv"), Driverlist(L"list --format csv").output);
+  WriteText(folder.Path(L"jsonl"), Driverlist(L"list --format jsonl").output);
+  WriteText(folder.Path(L"list"), list);
+  WriteText(folder.Path(L"wide"), Utf16(list));
+  WriteText(folder.Path(L"mode"), Driverlist(L"list --mode all --format json").output);
   WriteText(folder.Path(L"short"), good.substr(0, good.size() / 2));
-  WriteText(folder.Path(L"newer"), newer);
-  const std::pair<const wchar_t*, const char*> cases[] = {
-      {L"none", "driverlist: cannot read .*none: .+\n"},
-      {L"foreign", "driverlist: .*foreign is no snapshot of driverlist\\.\n"},
-      {L"short", "driverlist: .*short is damaged: it is no whole JSON document\\.\n"},
-      {L"newer", "driverlist: .*newer was written by a newer driverlist: its schema version is 7, and .+ 1\\.\n"}};
+  WriteText(folder.Path(L"torn"), with("\"drivers\": [", "\"drivers\": [}"));
+  WriteText(folder.Path(L"newer"), with("\"schema_version\": 2", "\"schema_version\": 7"));
+  WriteText(folder.Path(L"type"), with("\"start_type\": \"", "\"size\": \"5\", \"start_type\": \""));
+  WriteText(folder.Path(L"deep"), with("\"drivers\": [", "\"deep\": " + std::string(1'000'000, '[')));
+  WriteText(folder.Path(L"name"),
+            with("\"start_type\": \"", "\"state\": 5, \"name\": \"\\u001b[31m\u202E\", \"x\": \""));
+  const std::string wantsList = " is a list, not a snapshot: write one with .driverlist snapshot.\\.\n";
+  const std::pair<const wchar_t*, std::string> cases[] = {
+      {L"none", " cannot be read: there is no such file\\.\n"},
+      {L".", " cannot be read: it is a folder\\.\n"},
+      {L"csv", " is not a snapshot of driverlist\\.\n"},
+      {L"jsonl", " is not a snapshot of driverlist\\.\n"},
+      {L"list", wantsList},
+      {L"wide", wantsList},
+      {L"mode", wantsList},
+      {L"short", " is damaged: it ends early\\.\n"},
+      {L"torn", " is damaged: line \\d+ is not JSON\\.\n"},
+      {L"newer", " was written by a newer driverlist: its schema version is 7, and this one reads 2\\.\n"},
+      {L"type", " is damaged: driver \\d+ \\(.+\\.sys\\): size is a text, where a whole number is expected\\.\n"},
+      {L"deep", " is nested more than 16 levels deep\\.\n"},
+      {L"name",
+       " is damaged: driver \\d+ \\(.U\\+001B..31m.U\\+202E.\\): state is a whole number, where a text is "
+       "expected\\.\n"}};
   for (const auto& [file, sentence] : cases) {
     for (const ProgramResult& result : {Diff(file, L"live"), Diff(L"good", Quoted(folder.Path(file)))}) {
       EXPECT_EQ(result.exitCode, 2u) << sentence;
       EXPECT_EQ(result.output, "");
-      EXPECT_THAT(result.errors, MatchesRegex(sentence));
+      EXPECT_THAT(result.errors, MatchesRegex("driverlist: .*" + sentence));
     }
   }
 }
@@ -174,10 +264,11 @@ TEST_F(ProgramCommand, TellsWhatDeservesALook) {
   const ProgramResult table = Driverlist(L"health");
   EXPECT_EQ(table.exitCode, 1u);
   EXPECT_EQ(table.errors, "");
-  EXPECT_THAT(table.output, HasSubstr("image-missing (services whose image is not where it is configured): 1\n"
-                                      "what    evidence\n"
-                                      "OiGone  there is no C:\\gone\\OiGone.sys, configured as "
-                                      "\\??\\C:\\gone\\OiGone.sys\n"));
+  EXPECT_THAT(table.output,
+              HasSubstr("image-missing (services whose image is not where their configuration expects it): 1\n"
+                        "what    evidence\n"
+                        "OiGone  there is no C:\\gone\\OiGone.sys, where the service's configuration "
+                        "expects its image\n"));
   const ProgramResult json = Driverlist(L"health --format json");
   EXPECT_EQ(json.exitCode, 1u);
   const Json report = Json::parse(json.output);
@@ -186,11 +277,13 @@ TEST_F(ProgramCommand, TellsWhatDeservesALook) {
 }
 
 TEST_F(ProgramCommand, FindsNothingOnAHealthyMachine) {
-  // Wine's own display adapter has no driver.
-  HOOK(noDevices, GetModuleHandleA("driverinfo.dll"), GetPciInfo, [](std::vector<Orvane::PciDeviceRecord>&) {});
+  // Wine's own display adapter has no driver. The library and the inventory both ask for devices.
+  const auto noDevices = [](std::vector<Orvane::PciDeviceRecord>&) {};
+  HOOK(notListed, GetModuleHandleA("driverinfo.dll"), GetPciInfo, noDevices);
+  HOOK(notFound, test::ThisProgram(), GetPciInfo, noDevices);
   driverlist::Options options;
   options.command = driverlist::Command::Health;
-  options.output = driverlist::Utf8FromWide(folder.Path(L"health.txt"));
+  options.output = Orvane::Utf8FromWide(folder.Path(L"health.txt"));
   EXPECT_EQ(driverlist::RunHealth(options), 0);
   EXPECT_EQ(test::FileContent(folder.Path(L"health.txt")), "nothing found\n");
 }
@@ -302,7 +395,7 @@ std::string OnATerminal(SHORT width, const std::vector<std::string>& arguments) 
   HOOK(get, program, GetConsoleMode, [&](HANDLE handle, DWORD*) { return isOutput(handle); });
   HOOK(set, program, SetConsoleMode, [](HANDLE, DWORD) { return TRUE; });
   HOOK(write, program, WriteConsoleW, [&](HANDLE, const void* text, DWORD length, DWORD* count, void*) -> BOOL {
-    written += driverlist::Utf8FromWide({static_cast<const wchar_t*>(text), length});
+    written += Orvane::Utf8FromWide({static_cast<const wchar_t*>(text), length});
     *count = length;
     return TRUE;
   });
@@ -314,17 +407,17 @@ std::string OnATerminal(SHORT width, const std::vector<std::string>& arguments) 
 }
 
 TEST_F(ProgramCommand, IsColouredOnATerminal) {
-  const std::vector<std::string> list = {"--mode", "registered", "--where", "name=OiBus*"};
+  const std::vector<std::string> list = {"--where", "service=OiBus"};
   EXPECT_EQ(OnATerminal(80, list),
-            "\x1B[1mname\x1B[0m       \x1B[1mfile_version\x1B[0m    \x1B[1mstate\x1B[0m    "
+            "\x1B[1mkind\x1B[0m     \x1B[1mname\x1B[0m       \x1B[1mversion\x1B[0m         \x1B[1mstate\x1B[0m    "
             "\x1B[1mstart_type\x1B[0m  \x1B[1mprovider\x1B[0m\n"
-            "OiBus.sys  6.2.9200.16384  \x1B[33mStopped\x1B[0m  Manual      Example Systems\n")
+            "service  OiBus.sys  6.2.9200.16384  \x1B[33mStopped\x1B[0m  Manual      Example Systems\n")
       << "paths have no place there";
   const test::EnvironmentVariable forbidden("NO_COLOR", "1");
-  EXPECT_EQ(
-      OnATerminal(120, list),
-      "name       file_version    state    start_type  provider         path\n"
-      "OiBus.sys  6.2.9200.16384  Stopped  Manual      Example Systems  C:\\windows\\system32\\drivers\\OiBus.sys\n");
+  EXPECT_EQ(OnATerminal(200, list),
+            "kind     name       version         state    start_type  provider         service  inf  path\n"
+            "service  OiBus.sys  6.2.9200.16384  Stopped  Manual      Example Systems  OiBus         "
+            "C:\\windows\\System32\\drivers\\OiBus.sys\n");
 }
 
 TEST_F(ProgramCommand, ShowsAPathOnANarrowTerminalToThoseWhoAsk) {

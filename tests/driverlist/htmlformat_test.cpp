@@ -1,16 +1,19 @@
-#include "htmlformat.h"
+#include "formats/html/htmlformat.h"
 
 #include <gmock/gmock.h>
-#include <windows.h>
 
-#include "htmltext.h"
-#include "imagedate.h"
+#include "formats/html/htmltext.h"
+#include "formats/html/isotime.h"
+#include "formats/html/skeleton.h"
+#include "formats/html/summary.h"
 #include "locales.h"
-#include "skeleton.h"
-#include "summary.h"
 
 using namespace driverlist;
-using Orvane::DriverData;
+using inventory::Column;
+using inventory::Kind;
+using inventory::Record;
+using inventory::Records;
+using inventory::ValueType;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
@@ -18,40 +21,55 @@ using testing::Not;
 
 namespace {
 
-const ListingContext Context = {"HOST", "2024-05-06T07:08:09Z", "all"};
+constexpr char Now[] = "2024-05-06T07:08:09Z";
+const inventory::Head Head = {"0.1.0", "HOST", "", "10.0.22621", Now};
 
-std::vector<Column> Fields(const std::vector<std::string>& names) {
-  std::vector<Column> columns;
-  for (const std::string& name : names) columns.push_back(*FindColumn(name));
-  return columns;
+/// The page of an inventory, with all its members.
+std::string PageOf(const Records& records) { return FormatHtml(TableOf(records), {Head, "", &records}); }
+
+/// The page of a table, without a summary.
+std::string PageOf(const Table& table) { return FormatHtml(table, {Head, "all", nullptr}); }
+
+Column ColumnOf(std::string_view label, ValueType type) {
+  Column column;
+  column.name = label;
+  column.label = label;
+  column.type = type;
+  return column;
 }
 
-DriverData Named(const std::string& name) {
-  DriverData driver;
-  driver.name = name;
-  return driver;
+Record Of(Kind kind) {
+  Record record;
+  record.kind = kind;
+  return record;
 }
 
-DriverData By(const std::string& provider) {
-  DriverData driver;
-  driver.provider = provider;
-  return driver;
+Record Service(const std::string& state, const std::string& startType) {
+  Record service = Of(Kind::Service);
+  service.state = state;
+  service.start_type = startType;
+  return service;
 }
 
-DriverData Service(const std::string& state, const std::string& startType) {
-  DriverData driver;
-  driver.state = state;
-  driver.start_type = startType;
-  return driver;
+Record Made(const std::string& time) {
+  Record service = Of(Kind::Service);
+  service.image_time = time;
+  return service;
 }
 
-DriverData Dated(const std::string& date) {
-  DriverData driver;
-  driver.date = date;
-  return driver;
+Record By(const std::string& provider, Kind kind = Kind::Package) {
+  Record record = Of(kind);
+  record.provider = provider;
+  return record;
 }
 
-/// What stands between the first `start` and the `end` behind it.
+Record Package(const std::string& inf) {
+  Record package = Of(Kind::Package);
+  package.inf = inf;
+  return package;
+}
+
+/// What is between the first `start` and the `end` behind it.
 std::string Between(const std::string& text, const std::string& start, const std::string& end) {
   const std::size_t from = text.find(start);
   const std::size_t to = from == std::string::npos ? from : text.find(end, from + start.size());
@@ -82,8 +100,8 @@ std::string Rows(const std::string& html) { return Between(html, "<tbody>\n", "<
 std::vector<std::string> Described(const std::vector<Group>& groups) {
   std::vector<std::string> texts;
   for (const Group& group : groups) {
-    const std::string text = group.label + " " + std::to_string(group.drivers) + "/" + std::to_string(group.running);
-    texts.push_back(group.unknown ? "(" + text + ")" : text);
+    const std::string text = group.label + " " + std::to_string(group.records) + "/" + std::to_string(group.running);
+    texts.push_back(group.isUnknown ? "(" + text + ")" : text);
   }
   return texts;
 }
@@ -121,102 +139,117 @@ TEST(HtmlText, ReplacesWhatIsNoUtf8) {
   EXPECT_THAT(HtmlText("\xC0\xBCscript>"), testing::EndsWith("script&gt;")) << "an overlong form of a bracket";
 }
 
-// --- Dates
+// --- Times
 
-TEST(ImageDate, IsWrittenUnambiguously) {
-  EXPECT_EQ(IsoText(*ParseImageDate("05/06/2023 22:14:31")), "2023-05-06 22:14:31");
-  EXPECT_EQ(IsoText(*ParseImageDate("12/31/1999 ")), "1999-12-31 00:00:00") << "so records write midnight";
-}
-
-TEST(ImageDate, IsNoOtherText) {
-  for (const char* text : {"", "N/A", "05/06/2023", "5/6/2023 22:14:31", "13/06/2023 22:14:31", "00/06/2023 22:14:31",
-                           "05/32/2023 22:14:31", "05/00/2023 22:14:31", "05/06/0000 22:14:31", "05/06/2023 22:14",
-                           "05/06/2023 22:14:31 ", "2023-05-06 22:14:31", "05/06/2023 aa:bb:cc"}) {
-    EXPECT_FALSE(ParseImageDate(text)) << text;
+TEST(IsoTime, IsNoOtherText) {
+  EXPECT_TRUE(IsIsoTime("2023-05-06T22:14:31Z"));
+  for (const char* text : {"", "N/A", "2023-05-06", "2023-05-06T22:14:31", "2023-05-06T22:14:31Z ",
+                           "2023-05-06 22:14:31Z", "2023-05-06T22:14:31+", "2023-05-06Taa:bb:ccZ"}) {
+    EXPECT_FALSE(IsIsoTime(text)) << text;
   }
 }
 
-TEST(DayNumber, CountsTheDaysOfTheCalendar) {
-  EXPECT_EQ(DayNumber({2024, 3, 1}) - DayNumber({2024, 2, 28}), 2);
-  EXPECT_EQ(DayNumber({2023, 3, 1}) - DayNumber({2023, 2, 28}), 1);
-  EXPECT_EQ(DayNumber({2100, 3, 1}) - DayNumber({2100, 2, 28}), 1);
-  EXPECT_EQ(DayNumber({2024, 1, 1}) - DayNumber({2023, 12, 31}), 1);
-  EXPECT_EQ(DayNumber({2001, 1, 1}) - DayNumber({1601, 1, 1}), 146097);
-  EXPECT_EQ(DayNumber({2023, 2, 29}), DayNumber({2023, 3, 1}));
+TEST(IsoTime, IsReadable) { EXPECT_EQ(ReadableTime("2023-05-06T22:14:31Z"), "2023-05-06 22:14:31"); }
+
+TEST(IsoTime, OfYearsBefore) {
+  EXPECT_EQ(YearsBefore("2024-05-06T07:08:09Z", 0), "2024-05-06T07:08:09Z");
+  EXPECT_EQ(YearsBefore("2024-05-06T07:08:09Z", 10), "2014-05-06T07:08:09Z");
+  EXPECT_EQ(YearsBefore("0003-05-06T07:08:09Z", 5), "0000-05-06T07:08:09Z");
 }
 
 // --- Summary
 
-TEST(ReportSummary, CountsDriversServicesAndDevices) {
+TEST(ReportSummary, CountsServicesDevicesAndPackages) {
+  Record driven = By("Maker", Kind::Device);
+  driven.inf = "oem1.inf";
+  driven.problem_code = 43;
   const Summary summary =
-      Summarized({Service("Running", "Boot Start"), Service("Stopped", "Manual"), Named("8086-0001_nodriver#"),
-                  Named("_nodriver#.sys"), By("Maker"), By("Maker"), By("maker")},
-                 Context.time);
-  EXPECT_EQ(summary.drivers, 7u);
-  EXPECT_EQ(summary.services, 2u);
-  EXPECT_EQ(summary.running, 1u);
+      Summarized({Service("Running", "Boot Start"), Service("Stopped", "Manual"),
+                  By("Microsoft Corporation", Kind::Service), driven, By("Maker", Kind::Device), Package("OEM1.inf"),
+                  Package("netrtl.inf"), Package("disk.inf"), Of(Kind::Chipset)},
+                 Now);
+  EXPECT_EQ(summary.services, 3u);
+  EXPECT_EQ(summary.runningServices, 1u);
+  EXPECT_EQ(summary.thirdPartyServices, 2u);
+  EXPECT_EQ(summary.devices, 2u);
   EXPECT_EQ(summary.devicesWithoutDriver, 1u);
-  EXPECT_EQ(summary.providers, 2u);
+  EXPECT_EQ(summary.devicesWithProblem, 1u);
+  EXPECT_EQ(summary.packages, 3u);
+  EXPECT_EQ(summary.oemPackages, 1u);
+  EXPECT_THAT(Described(summary.byKind),
+              ElementsAre("Services 3/1", "Devices 2/0", "Packages 3/0", "Chipset packages 1/0"));
 }
 
-TEST(ReportSummary, NamesTheProvidersOfMostDriversFirst) {
-  const Summary summary = Summarized({By("b"), By(""), By("c"), By("b"), By("a")}, Context.time);
+TEST(ReportSummary, NamesTheProvidersOfMostRecordsFirst) {
+  const Summary summary =
+      Summarized({By("b"), By(""), By("c", Kind::Device), By("b", Kind::Chipset), By("a", Kind::Service)}, Now);
   EXPECT_THAT(Described(summary.byProvider), ElementsAre("b 2/0", "a 1/0", "c 1/0", "(Unknown 1/0)"));
 }
 
+TEST(ReportSummary, TellsAProviderOfThatNameFromAnUnknownOne) {
+  EXPECT_THAT(Described(Summarized({By("Unknown"), By("")}, Now).byProvider),
+              ElementsAre("Unknown 1/0", "(Unknown 1/0)"));
+}
+
 TEST(ReportSummary, PutsProvidersPastTheEighthTogether) {
-  std::vector<DriverData> drivers = {By("j"), By("j"), By("")};
-  for (const char* provider : {"a", "b", "c", "d", "e", "f", "g", "h"}) drivers.push_back(By(provider));
+  Records records = {By("j"), By("j"), By("")};
+  for (const char* provider : {"a", "b", "c", "d", "e", "f", "g", "h"}) records.push_back(By(provider));
   EXPECT_THAT(
-      Described(Summarized(drivers, Context.time).byProvider),
+      Described(Summarized(records, Now).byProvider),
       ElementsAre("j 2/0", "a 1/0", "b 1/0", "c 1/0", "d 1/0", "e 1/0", "f 1/0", "g 1/0", "h 1/0", "(Unknown 1/0)"))
       << "one line for a single other provider would save nothing";
-  drivers.push_back(By("i"));
-  EXPECT_THAT(Described(Summarized(drivers, Context.time).byProvider),
+  records.push_back(By("i"));
+  EXPECT_THAT(Described(Summarized(records, Now).byProvider),
               ElementsAre("j 2/0", "a 1/0", "b 1/0", "c 1/0", "d 1/0", "e 1/0", "f 1/0", "g 1/0",
                           "2 other providers 2/0", "(Unknown 1/0)"));
 }
 
-TEST(ReportSummary, GroupsByStateAndStartType) {
-  const Summary summary = Summarized(
-      {Service("Running", "Boot Start"), Service("Stopped", "Manual"), Service("Running", "Manual"),
-       Service("Stop Pending", "Manual"), Service("Stopped", "Disabled"), Service("Running", "Automatic"),
-       Service("Running", "System Start"), Service("Stopped", "At noon"), Service("Running", ""), Service("", "")},
-      Context.time);
+TEST(ReportSummary, GroupsServicesByStateAndStartType) {
+  const Summary summary =
+      Summarized({Service("Stopped", "Manual"), Service("Running", "Boot Start"), Service("Running", "Manual"),
+                  Service("Stop Pending", "Manual"), Service("Stopped", "Disabled"), Service("Running", "Automatic"),
+                  Service("Running", "System Start"), Service("Stopped", "At noon"), Service("Paused", ""),
+                  Service("Paused", "Manual"), Service("", "Disabled"), Of(Kind::Device)},
+                 Now);
   EXPECT_THAT(Described(summary.byState),
-              ElementsAre("Running 5/5", "Stopped 3/0", "Other state 1/0", "(Not a service 1/0)"));
-  EXPECT_THAT(Described(summary.byStartType), ElementsAre("Boot Start 1/1", "System Start 1/1", "Automatic 1/1",
-                                                          "Manual 3/1", "Disabled 1/0", "Other start type 2/1"));
+              ElementsAre("Running 4/4", "Stopped 3/0", "Paused 2/0", "Stop Pending 1/0", "(Unknown 1/0)"));
+  EXPECT_THAT(Described(summary.byStartType),
+              ElementsAre("Boot Start 1/1", "System Start 1/1", "Automatic 1/1", "Manual 4/1", "Disabled 2/0",
+                          "At noon 1/0", "(Unknown 1/0)"));
 }
 
-TEST(ReportSummary, GroupsByFullYearsSinceTheImageWasMade) {
-  const Summary summary =
-      Summarized({Dated("05/08/2024 00:00:01"), Dated("05/07/2024 23:00:00"), Dated("05/07/2023 00:00:00"),
-                  Dated("05/06/2023 23:59:59"), Dated("05/07/2022 12:00:00"), Dated("05/06/2022 12:00:00"),
-                  Dated("05/07/2019 12:00:00"), Dated("05/06/2019 12:00:00"), Dated("05/07/2014 12:00:00"),
-                  Dated("05/06/2014 12:00:00"), Dated("01/01/1970 "), Dated(""), Dated("yesterday")},
-                 "2024-05-06T07:08:09Z");
+TEST(ReportSummary, GroupsServicesByFullYearsSinceTheImageWasMade) {
+  const Summary summary = Summarized(
+      {Made("2024-05-06T07:08:10Z"), Made("2024-05-06T07:08:09Z"), Made("2023-05-06T07:08:10Z"),
+       Made("2023-05-06T07:08:09Z"), Made("2022-05-06T07:08:10Z"), Made("2022-05-06T07:08:09Z"),
+       Made("2019-05-06T07:08:10Z"), Made("2019-05-06T07:08:09Z"), Made("2014-05-06T07:08:10Z"),
+       Made("2014-05-06T07:08:09Z"), Made("1970-01-01T00:00:00Z"), Made(""), Made("yesterday"), Of(Kind::Device)},
+      Now);
   EXPECT_THAT(Described(summary.byAge),
               ElementsAre("Under 1 year 2/0", "1 to 2 years 2/0", "2 to 5 years 2/0", "5 to 10 years 2/0",
-                          "10 years and more 2/0", "In the future 1/0", "(No date 2/0)"));
+                          "10 years and more 2/0", "In the future 1/0", "(No time 2/0)"));
 }
 
 TEST(ReportSummary, KnowsTheAgeOnALeapDay) {
   const Summary summary =
-      Summarized({Dated("03/01/2023 12:00:00"), Dated("03/02/2023 12:00:00")}, "2024-02-29T12:00:00Z");
-  EXPECT_THAT(Described(summary.byAge), testing::Contains("1 to 2 years 1/0"))
-      << "a year before 29 February is 1 March";
+      Summarized({Made("2023-02-28T23:59:59Z"), Made("2023-03-01T00:00:00Z")}, "2024-02-29T12:00:00Z");
+  EXPECT_THAT(Described(summary.byAge), ElementsAre("Under 1 year 1/0", "1 to 2 years 1/0", "2 to 5 years 0/0",
+                                                    "5 to 10 years 0/0", "10 years and more 0/0"))
+      << "a year after 1 March 2023 is 1 March 2024";
 }
 
-TEST(ReportSummary, KnowsNoAgeWithoutTheTimeOfTheReport) {
-  EXPECT_THAT(Described(Summarized({Dated("05/06/2023 12:00:00")}, "noon").byAge), testing::Contains("(No date 1/0)"));
+TEST(ReportSummary, KnowsNoAgeWithoutItsOwnTime) {
+  EXPECT_THAT(Described(Summarized({Made("2023-05-06T12:00:00Z")}, "noon").byAge),
+              ElementsAre("Under 1 year 0/0", "1 to 2 years 0/0", "2 to 5 years 0/0", "5 to 10 years 0/0",
+                          "10 years and more 0/0", "(No time 1/0)"));
 }
 
 TEST(ReportSummary, OfNothingHasAgesOnly) {
-  const Summary summary = Summarized({}, Context.time);
+  const Summary summary = Summarized({}, Now);
   EXPECT_THAT(Described(summary.byProvider), IsEmpty());
   EXPECT_THAT(Described(summary.byState), IsEmpty());
   EXPECT_THAT(Described(summary.byStartType), IsEmpty());
+  EXPECT_THAT(Described(summary.byKind), IsEmpty());
   EXPECT_THAT(Described(summary.byAge), ElementsAre("Under 1 year 0/0", "1 to 2 years 0/0", "2 to 5 years 0/0",
                                                     "5 to 10 years 0/0", "10 years and more 0/0"));
 }
@@ -224,39 +257,69 @@ TEST(ReportSummary, OfNothingHasAgesOnly) {
 // --- Page
 
 TEST(Html, SaysWhereWhenAndHowTheDriversWereListed) {
-  const std::string html = FormatHtml({}, AllColumns(), Context);
+  const Records records;
+  inventory::Head head = Head;
+  head.host_id = "8f0c";
+  const std::string html = FormatHtml(TableOf(records), {head, "", &records});
   EXPECT_EQ(Between(html, "<title>", "</title>"), "Drivers of HOST");
+  EXPECT_EQ(Between(html, "name=\"generator\" content=\"", "\""), "driverlist 0.1.0");
   EXPECT_THAT(Texts(html, "<header class=\"page\">", "</header>"),
-              ElementsAre("Drivers of HOST", "Listed", "2024-05-06 07:08:09 UTC", "Scope",
-                          "Devices, services and OEM packages (all)"));
+              ElementsAre("Drivers of HOST", "Listed", "2024-05-06 07:08:09 UTC", "Windows", "10.0.22621", "Host ID",
+                          "8f0c", "Scope", "Inventory of services, devices and packages"));
+  EXPECT_THAT(Texts(html, "<footer class=\"page\">", "</footer>"),
+              ElementsAre("Written by driverlist 0.1.0. All times are UTC."));
 }
 
-TEST(Html, NamesNeitherHostNorTimeThatItDoesNotKnow) {
-  const std::string html = FormatHtml({}, AllColumns(), {"", "<noon>", "<mode>"});
+TEST(Html, SaysWhichListingOfTheLibraryItShows) {
+  const auto scope = [](const std::string& mode) {
+    return Between(FormatHtml(Table(), {Head, mode, nullptr}), "<dt>Scope</dt><dd>", "</dd>");
+  };
+  EXPECT_EQ(scope("all"), "Listing of devices, services and OEM packages (all)");
+  EXPECT_EQ(scope("by-device"), "Listing of present devices (by-device)");
+  EXPECT_EQ(scope("registered"), "Listing of registered services (registered)");
+  EXPECT_THAT(Texts(PageOf(Table()), "<footer class=\"page\">", "</footer>"),
+              ElementsAre("Written by driverlist 0.1.0. Dates are in the machine's time zone."));
+}
+
+TEST(Html, LeavesOutWhatItDoesNotKnowOfTheMachine) {
+  const std::string html = FormatHtml(Table(), {inventory::Head(), "", nullptr});
   EXPECT_EQ(Between(html, "<title>", "</title>"), "Drivers of an unnamed machine");
-  EXPECT_EQ(Between(html, "<dt>Listed</dt><dd>", "</dd>"), "&lt;noon&gt;");
-  EXPECT_EQ(Between(html, "<dt>Scope</dt><dd>", "</dd>"), "&lt;mode&gt;");
+  EXPECT_THAT(Texts(html, "<header class=\"page\">", "</header>"),
+              ElementsAre("Drivers of an unnamed machine", "Scope", "Inventory of services, devices and packages"));
 }
 
-TEST(Html, TellsTheNumbersOfItsBarsAsText) {
-  DriverData acpi = Service("Running", "Boot Start");
+TEST(Html, HasTheNumbersOfItsBarsAsText) {
+  Record acpi = Service("Running", "Boot Start");
   acpi.provider = "Maker & Sons";
-  acpi.date = "05/06/2020 12:00:00";
-  DriverData beep = Service("Stopped", "Boot Start");
+  acpi.image_time = "2020-05-06T12:00:00Z";
+  Record beep = Service("Stopped", "Boot Start");
   beep.provider = acpi.provider;
-  const std::string html = FormatHtml({acpi, beep, Named("8086-0001_nodriver#")}, AllColumns(), Context);
-  EXPECT_THAT(Texts(html, "aria-label=\"Summary\">", "</section>"),
-              ElementsAre("Drivers", "3", "Running", "1 ", "of 2 services", "Devices without a driver", "1",
-                          "Providers", "1", "Provider", "Maker &amp; Sons", "2", "Unknown", "1", "State", "Running",
-                          "1", "Stopped", "1", "Not a service", "1", "Start type", "Boot Start", "2", "1 running",
-                          "Age", "Under 1 year", "0", "1 to 2 years", "0", "2 to 5 years", "1", "5 to 10 years", "0",
-                          "10 years and more", "0", "No date", "2"));
+  EXPECT_THAT(
+      Texts(PageOf({acpi, beep, Of(Kind::Device), Package("oem1.inf")}), "aria-label=\"Summary\">", "</section>"),
+      ElementsAre("Running services", "1 ", "of 2 services", "Third-party services", "2 ", "of 2 services",
+                  "Devices without a driver", "1 ", "of 1 device", "OEM packages", "1 ", "of 1 package", "Provider",
+                  "Maker &amp; Sons", "2", "Unknown", "2", "State of services", "Running", "1", "Stopped", "1",
+                  "Start type of services", "Boot Start", "2", "1 running", "Kind", "Services", "2", "Devices", "1",
+                  "Packages", "1", "Age of service images", "Under 1 year", "0", "1 to 2 years", "0", "2 to 5 years",
+                  "1", "5 to 10 years", "0", "10 years and more", "0", "No time", "1"));
+}
+
+TEST(Html, CountsDevicesWithAProblemOnlyWhereThereAreAny) {
+  Record device = Of(Kind::Device);
+  EXPECT_THAT(PageOf({device}), Not(HasSubstr("Devices with a problem")));
+  device.problem_code = 28;
+  EXPECT_THAT(PageOf({device}), HasSubstr("<dt>Devices with a problem</dt><dd>1 <small>of 1 device</small></dd>"));
+}
+
+TEST(Html, OfALibraryListingHasNoSummary) {
+  const std::string html = PageOf(TableOf({inventory::ListedDriver()}));
+  EXPECT_THAT(html, Not(HasSubstr("aria-label=\"Summary\"")));
+  EXPECT_THAT(html, HasSubstr("<td data-label=\"Found by device\" class=\"number\">0</td>"));
 }
 
 TEST(Html, DrawsBarsAsLongAsTheirNumbers) {
-  const std::string html = FormatHtml({Service("Running", "Manual"), Service("Stopped", "Manual"),
-                                       Service("Stopped", "Manual"), Service("Running", "Disabled")},
-                                      AllColumns(), Context);
+  const std::string html = PageOf({Service("Running", "Manual"), Service("Stopped", "Manual"),
+                                   Service("Stopped", "Manual"), Service("Running", "Disabled")});
   EXPECT_THAT(Between(html, "<span class=\"label\">Manual</span>", "</svg>"),
               HasSubstr("<rect class=\"whole\" width=\"1000\" height=\"1\"/><rect class=\"part\" width=\"333\""));
   EXPECT_THAT(Between(html, "<span class=\"label\">Disabled</span>", "</svg>"),
@@ -264,84 +327,111 @@ TEST(Html, DrawsBarsAsLongAsTheirNumbers) {
 }
 
 TEST(Html, DrawsOneAmongThousandsSoThatItIsSeen) {
-  std::vector<DriverData> drivers(2000, By("many"));
-  drivers.push_back(By("one"));
-  const std::string html = FormatHtml(drivers, AllColumns(), Context);
-  EXPECT_THAT(Between(html, "<span class=\"label\">one</span>", "</svg>"),
+  Records records(2000, By("many"));
+  records.push_back(By("one"));
+  EXPECT_THAT(Between(PageOf(records), "<span class=\"label\">one</span>", "</svg>"),
               HasSubstr("<rect class=\"part\" width=\"4\""));
 }
 
-TEST(Html, HasARowPerDriverAndACellPerColumn) {
-  DriverData driver = Service("Running", "Boot Start");
-  driver.name = "a_b.sys";
-  driver.path = "C:\\windows\\a_b.sys";
-  driver.date = "05/06/2023 22:14:31";
-  driver.found_by_device = 1;
-  const std::string html = FormatHtml({driver, Service("Paused", "")},
-                                      Fields({"name", "state", "date", "path", "found_by_device"}), Context);
-  EXPECT_THAT(Texts(html, "<thead>", "</thead>"),
-              ElementsAre("Name", "State", "Image date", "Path", "Found by device"));
+TEST(Html, HasARowPerRecordAndACellPerColumn) {
+  Table table;
+  table.columns = {ColumnOf("Name", ValueType::Text), ColumnOf("State", ValueType::Text),
+                   ColumnOf("Path", ValueType::Text), ColumnOf("Size", ValueType::Number)};
+  table.columns[0].isTitle = true;
+  table.columns[2].keepsEnd = true;
+  table.rows = {{{"a_b.sys", Tone::Bad}, {"Running", Tone::Good}, {"C:\\a_b.sys"}, {std::uint64_t{43520}}},
+                {{"<b>"}, {"Paused", Tone::Doubtful}, {}, {}}};
+  const std::string html = PageOf(table);
+  EXPECT_EQ(Between(html, "<thead><tr>", "</tr></thead>"),
+            "<th scope=\"col\" data-kind=\"text\">Name</th><th scope=\"col\" data-kind=\"text\">State</th>"
+            "<th scope=\"col\" class=\"place\" data-kind=\"text\">Path</th>"
+            "<th scope=\"col\" class=\"number\" data-kind=\"number\">Size</th>");
   EXPECT_EQ(Rows(html),
-            "<tr><th scope=\"row\" class=\"name\">a_<wbr>b.sys</th><td class=\"state Running\">Running</td>"
-            "<td class=\"date\">2023-05-06 22:14:31</td>"
-            "<td class=\"path\">C:\\<wbr>windows\\<wbr>a_<wbr>b.sys</td><td class=\"found_by_device\">yes</td></tr>\n"
-            "<tr><th scope=\"row\" class=\"name\"></th><td class=\"state\">Paused</td><td class=\"date\"></td>"
-            "<td class=\"path\"></td><td class=\"found_by_device\">no</td></tr>\n");
+            "<tr><th scope=\"row\" class=\"bad\">a_<wbr>b.sys</th>"
+            "<td data-label=\"State\" class=\"good\">Running</td>"
+            "<td data-label=\"Path\" class=\"place\">C:\\<wbr>a_<wbr>b.sys</td>"
+            "<td data-label=\"Size\" class=\"number\">43520</td></tr>\n"
+            "<tr><th scope=\"row\">&lt;b&gt;</th><td data-label=\"State\" class=\"doubtful\">Paused</td>"
+            "<td></td><td></td></tr>\n");
+}
+
+TEST(Html, ShowsEachTypeOfValueInItsWay) {
+  const auto cell = [](ValueType type, const inventory::Value& value) {
+    Table table;
+    table.columns = {ColumnOf("X", type)};
+    table.rows = {{{value}}};
+    return Rows(PageOf(table));
+  };
+  EXPECT_EQ(cell(ValueType::Version, "10.0.22621"),
+            "<tr><td data-label=\"X\" class=\"version\" data-key=\"c10af22621\">10.0.22621</td></tr>\n")
+      << "the order is that of the keys";
+  EXPECT_EQ(cell(ValueType::Version, "N/A"), "<tr><td data-label=\"X\" class=\"version\">N/A</td></tr>\n");
+  EXPECT_EQ(cell(ValueType::Time, "2023-05-06T22:14:31Z"),
+            "<tr><td data-label=\"X, UTC\" class=\"time\">2023-05-06 22:14:31</td></tr>\n");
+  EXPECT_EQ(cell(ValueType::Time, "<noon>"), "<tr><td data-label=\"X, UTC\" class=\"time\">&lt;noon&gt;</td></tr>\n");
+  EXPECT_EQ(cell(ValueType::Date, "2023-05-06"), "<tr><td data-label=\"X\" class=\"time\">2023-05-06</td></tr>\n");
+  EXPECT_EQ(cell(ValueType::Flag, true), "<tr><td data-label=\"X\">yes</td></tr>\n");
+  EXPECT_EQ(cell(ValueType::Texts, std::vector<std::string>{"a_1.sys", "b\n.sys"}),
+            "<tr><td data-label=\"X\" class=\"texts\">a_<wbr>1.sys\nb[U+000A].sys</td></tr>\n");
 }
 
 TEST(Html, LabelsEveryColumn) {
-  EXPECT_THAT(
-      Texts(FormatHtml({}, AllColumns(), Context), "<thead>", "</thead>"),
-      ElementsAre("Name", "Description", "Provider", "Path", "Version", "State", "Start", "Image date", "Size, KiB",
-                  "Product version", "Reserved 1", "Reserved 2", "Reserved list", "Found by device"));
+  std::vector<std::string> labels;
+  for (const inventory::Member& member : inventory::Members()) {
+    labels.push_back(std::string(member.label) + (member.type == ValueType::Time ? ", UTC" : ""));
+  }
+  EXPECT_EQ(Texts(PageOf(Records()), "<thead>", "</thead>"), labels);
 }
 
-TEST(Html, ShowsADateThatIsNoneAsItIs) {
-  EXPECT_EQ(Rows(FormatHtml({Dated("<b>13/45/2023")}, Fields({"date"}), Context)),
-            "<tr><td class=\"date\">&lt;b&gt;13/45/2023</td></tr>\n");
+TEST(Html, GivesColumnsTheirShareOfTheScreen) {
+  Table table;
+  table.columns = {ColumnOf("A", ValueType::Text), ColumnOf("B", ValueType::Text)};
+  table.columns[0].width = 2;
+  table.columns[1].width = 26;
+  EXPECT_EQ(Between(PageOf(table), "<colgroup>", "</colgroup>"), "<col width=\"12.5%\"><col width=\"87.5%\">");
 }
 
 TEST(Html, SaysThatAListIsEmpty) {
-  const std::string html = FormatHtml({}, Fields({"name"}), Context);
-  EXPECT_EQ(Rows(html), "");
-  EXPECT_THAT(html, HasSubstr("<p class=\"none\">No driver was found.</p>"));
-  EXPECT_THAT(FormatHtml({Named("a.sys")}, Fields({"name"}), Context), Not(HasSubstr("No driver was found.")));
+  EXPECT_EQ(Rows(PageOf(Records())), "");
+  EXPECT_THAT(PageOf(Records()), HasSubstr("<p class=\"none\">No driver was found.</p>"));
+  EXPECT_THAT(PageOf({By("a")}), Not(HasSubstr("No driver was found.")));
 }
 
-TEST(Html, ShowsTextsOfAnyRecordAndContextAsText) {
-  const std::string hostile = "\"'><script>x</script></table></title>{{table}}\x1B";
+TEST(Html, ShowsTextsOfAnyRecordAndHeadAsText) {
+  const std::string hostile = "\"'><script>x</script></table></title>{{table}}\x1B\u202E\xFF";
   const std::string shown =
-      "&quot;&#39;&gt;&lt;script&gt;x&lt;/script&gt;&lt;/table&gt;&lt;/title&gt;{{table}}[U+001B]";
-  DriverData driver;
-  for (const Column& column : AllColumns()) {
-    if (const auto* text = std::get_if<std::string DriverData::*>(&column.member)) driver.*(*text) = hostile;
+      "&quot;&#39;&gt;&lt;script&gt;x&lt;/script&gt;&lt;/table&gt;&lt;/title&gt;{{table}}[U+001B][U+202E]\uFFFD";
+  Record record;
+  std::size_t cells = 0;
+  for (const inventory::Member& member : inventory::Members()) {
+    const auto* const text = std::get_if<std::string Record::*>(&member.source);
+    const auto* const texts = std::get_if<std::vector<std::string> Record::*>(&member.source);
+    if (text != nullptr) record.*(*text) = hostile;
+    if (texts != nullptr) record.*(*texts) = {hostile};
+    cells += text != nullptr || texts != nullptr ? 1 : 0;
   }
-  driver.reserved_list = {hostile, "b"};
-  const std::string html = FormatHtml({driver}, AllColumns(), {hostile, hostile, hostile});
+  const Records records = {record};
+  const std::string html =
+      FormatHtml(TableOf(records), {{hostile, hostile, hostile, hostile, hostile}, hostile, &records});
   EXPECT_THAT(html, Not(HasSubstr("<script>x")));
   EXPECT_THAT(html, Not(HasSubstr("\x1B")));
   EXPECT_EQ(Between(html, "<title>", "</title>"), "Drivers of " + shown);
-  EXPECT_EQ(Between(html, "<dt>Listed</dt><dd>", "</dd>"), shown);
-  EXPECT_EQ(Between(html, "<dt>Scope</dt><dd>", "</dd>"), shown);
+  EXPECT_THAT(Texts(html, "<header class=\"page\">", "</header>"),
+              ElementsAre("Drivers of " + shown, "Listed", shown, "Windows", shown, "Host ID", shown, "Scope", shown));
   EXPECT_EQ(Between(html, "<span class=\"label\">", "</span>"), shown);
-  std::vector<std::string> cells(12, shown);
-  cells.push_back(shown + ";b");
-  cells.push_back("no");
-  EXPECT_EQ(Texts(html, "<tbody>\n", "</tbody>"), cells);
+  const std::vector<std::string> texts = Texts(html, "<tbody>\n", "</tbody>");
+  EXPECT_EQ(std::count(texts.begin(), texts.end(), shown), static_cast<std::ptrdiff_t>(cells));
+  EXPECT_EQ(texts.size(), cells + 2) << "besides texts, the row has its kind and the key of its version";
 }
 
-TEST(Html, IsUtf8WhateverTheCodePage) {
-  if (GetACP() != 1252) GTEST_SKIP() << "the bytes are those of code page 1252";
-  DriverData driver = Named("Ger\xE4t \x80\x81");
-  driver.provider = driver.name;
-  const std::string html = FormatHtml({driver}, Fields({"name"}), {"\u4E2D\xFF", "", "all"});
-  EXPECT_EQ(Rows(html), "<tr><th scope=\"row\" class=\"name\">Ger\u00E4t \u20AC[U+0081]</th></tr>\n");
-  EXPECT_EQ(Between(html, "<span class=\"label\">", "</span>"), "Ger\u00E4t \u20AC[U+0081]");
-  EXPECT_EQ(Between(html, "<title>", "</title>"), "Drivers of \u4E2D\uFFFD");
+TEST(Html, IsUtf8) {
+  Record record = Of(Kind::Device);
+  record.name = "\u30D7\u30EA\u30F3\u30BF\U0001F5A8";
+  EXPECT_THAT(Rows(PageOf({record})), HasSubstr("<th scope=\"row\" class=\"bad\">" + record.name + "</th>"));
 }
 
 TEST(Html, NamesNothingToFetch) {
-  const std::string html = FormatHtml({Named("a.sys")}, AllColumns(), Context);
+  const std::string html = PageOf({By("a")});
   for (const char* text :
        {"://", " src=", " href=", "url(", "@import", "import(", "fetch(", "XMLHttpRequest", "http:", "https:"}) {
     EXPECT_THAT(html, Not(HasSubstr(text)));
@@ -356,15 +446,15 @@ TEST(Html, FillsEveryPlaceOfItsSkeletonOnce) {
   EXPECT_THAT(skeleton, testing::StartsWith("<!doctype html>\n"));
   EXPECT_THAT(skeleton, testing::EndsWith("</html>\n"));
   EXPECT_THAT(skeleton, Not(HasSubstr("\r")));
-  EXPECT_THAT(FormatHtml({}, AllColumns(), Context), Not(HasSubstr("{{")));
+  EXPECT_THAT(PageOf(Records()), Not(HasSubstr("{{")));
 }
 
 TEST(Html, IsTheSameInEveryLocale) {
-  const std::vector<DriverData> drivers(1500, By("maker"));
-  const std::string html = FormatHtml(drivers, AllColumns(), Context);
+  const Records records(1500, By("maker"));
+  const std::string html = PageOf(records);
   EXPECT_THAT(html, HasSubstr("<span class=\"count\">1500</span>"));
   const test::HostLocale<test::GroupedDigits> grouped;
-  EXPECT_EQ(FormatHtml(drivers, AllColumns(), Context), html);
+  EXPECT_EQ(PageOf(records), html);
 }
 
 }  // namespace

@@ -1,16 +1,20 @@
-#include "options.h"
+#include "commands/options.h"
 
 #include <gmock/gmock.h>
 
+#include <sstream>
+
 using namespace driverlist;
+using inventory::Kind;
+using inventory::ListingMode;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
 namespace {
 
-std::vector<std::string> Names(const std::vector<Column>& columns) {
+std::vector<std::string> Names(const std::vector<inventory::Column>& columns) {
   std::vector<std::string> names;
-  for (const Column& column : columns) names.emplace_back(column.name);
+  for (const inventory::Column& column : columns) names.emplace_back(column.name);
   return names;
 }
 
@@ -21,7 +25,7 @@ Options Parsed(const std::vector<std::string>& arguments) {
   return parsed.options.value();
 }
 
-TEST(Options, ListAllDriversAsATableByDefault) {
+TEST(Options, ListTheInventoryAsATableByDefault) {
   const Options options = Parsed({});
   EXPECT_EQ(options.command, Command::List);
   EXPECT_FALSE(options.columnsChosen);
@@ -29,26 +33,51 @@ TEST(Options, ListAllDriversAsATableByDefault) {
   EXPECT_FALSE(options.selection.match);
   EXPECT_THAT(options.selection.conditions, testing::IsEmpty());
   EXPECT_FALSE(options.selection.sort);
-  EXPECT_EQ(options.mode, Orvane::All);
+  EXPECT_FALSE(options.mode);
+  EXPECT_THAT(options.kinds, testing::IsEmpty());
+  EXPECT_FALSE(options.thirdPartyOnly);
   EXPECT_EQ(options.format, Format::Table);
-  EXPECT_THAT(Names(options.columns), ElementsAre("name", "file_version", "state", "start_type", "provider", "path"));
+  EXPECT_FALSE(options.csv.isRaw);
+  EXPECT_FALSE(options.csv.hasBom);
+  EXPECT_THAT(Names(options.columns),
+              ElementsAre("kind", "name", "version", "state", "start_type", "provider", "service", "inf", "path"));
+  EXPECT_EQ(options.hostId, "");
   EXPECT_EQ(options.output, "");
   EXPECT_FALSE(options.logLevel);
   EXPECT_EQ(options.logFile, "");
 }
 
 TEST(Options, ChooseTheMode) {
-  EXPECT_EQ(Parsed({"--mode", "registered"}).mode, Orvane::Registered);
-  EXPECT_EQ(Parsed({"--mode=by-device"}).mode, Orvane::ByDevice);
-  EXPECT_EQ(Parsed({"--mode", "all"}).mode, Orvane::All);
-  EXPECT_EQ(ModeName(Orvane::All), "all");
-  EXPECT_EQ(ModeName(Orvane::Registered), "registered");
-  EXPECT_EQ(ModeName(Orvane::ByDevice), "by-device");
+  EXPECT_EQ(Parsed({"--mode", "registered"}).mode, ListingMode::Registered);
+  EXPECT_EQ(Parsed({"--mode=by-device"}).mode, ListingMode::ByDevice);
+  EXPECT_EQ(Parsed({"--mode", "all"}).mode, ListingMode::All);
 }
 
-TEST(Options, ShowEveryFieldToPrograms) {
+TEST(Options, ChooseKinds) {
+  EXPECT_THAT(Parsed({"--kind", "package,service"}).kinds, ElementsAre(Kind::Package, Kind::Service));
+  EXPECT_THAT(Parsed({"--kind=chipset"}).kinds, ElementsAre(Kind::Chipset));
+  EXPECT_THAT(Parsed({"--kind=device"}).kinds, ElementsAre(Kind::Device));
+}
+
+TEST(Options, LeaveOutTheMakerOfWindows) { EXPECT_TRUE(Parsed({"--third-party"}).thirdPartyOnly); }
+
+TEST(Options, IdentifyTheMachine) {
+  for (const std::vector<std::string>& command :
+       {std::vector<std::string>{"list"}, {"snapshot", "s"}, {"diff", "a", "b"}, {"health"}}) {
+    std::vector<std::string> arguments = command;
+    arguments.insert(arguments.end(), {"--host-id", "\u0436 7"});
+    EXPECT_EQ(Parsed(arguments).hostId, "\u0436 7");
+  }
+}
+
+TEST(Options, ShowEveryMemberToPrograms) {
   for (const char* const format : {"csv", "json", "jsonl", "markdown"}) {
     EXPECT_THAT(Names(Parsed({"--format", format}).columns),
+                ElementsAre("kind", "name", "description", "provider", "version", "product_version", "version_key",
+                            "service", "path", "state", "start_type", "image_missing", "image_time", "size", "inf",
+                            "original_inf", "inf_date", "class", "files", "devices_using", "instance_id", "hardware_id",
+                            "identity", "names", "problem_code", "problem"));
+    EXPECT_THAT(Names(Parsed({"--format", format, "--mode", "all"}).columns),
                 ElementsAre("name", "description", "provider", "path", "file_version", "state", "start_type", "date",
                             "size", "product_version", "reserved1", "reserved2", "reserved_list", "found_by_device"));
   }
@@ -61,13 +90,30 @@ TEST(Options, ShowEveryFieldToPrograms) {
 TEST(Options, ShowOnAPageWhatPeopleAskFor) {
   const Options options = Parsed({"--format", "html"});
   EXPECT_EQ(options.format, Format::Html);
-  EXPECT_THAT(Names(options.columns), ElementsAre("name", "description", "provider", "file_version", "state",
-                                                  "start_type", "date", "size", "path"));
+  EXPECT_THAT(Names(options.columns), ElementsAre("kind", "name", "description", "provider", "version", "service",
+                                                  "state", "start_type", "image_time", "inf", "path"));
+}
+
+TEST(Options, ShowOfAListingWhatPeopleAskFor) {
+  EXPECT_THAT(Names(Parsed({"--mode", "all"}).columns),
+              ElementsAre("name", "file_version", "state", "start_type", "provider", "path"));
+  EXPECT_THAT(
+      Names(Parsed({"--mode", "all", "--format", "html"}).columns),
+      ElementsAre("name", "description", "provider", "file_version", "state", "start_type", "date", "size", "path"));
 }
 
 TEST(Options, ChooseColumnsInTheirOrder) {
-  EXPECT_THAT(Names(Parsed({"--columns", "size,name,size"}).columns), ElementsAre("size", "name", "size"));
-  EXPECT_THAT(Names(Parsed({"--columns", "found_by_device"}).columns), ElementsAre("found_by_device"));
+  EXPECT_THAT(Names(Parsed({"--columns", "size,name"}).columns), ElementsAre("size", "name"));
+  EXPECT_THAT(Names(Parsed({"--columns", "problem_code"}).columns), ElementsAre("problem_code"));
+  EXPECT_THAT(Names(Parsed({"--columns", "reserved1,found_by_device", "--mode", "all"}).columns),
+              ElementsAre("reserved1", "found_by_device"));
+}
+
+TEST(Options, StyleCsv) {
+  EXPECT_TRUE(Parsed({"--format", "csv", "--raw"}).csv.isRaw);
+  EXPECT_FALSE(Parsed({"--format", "csv", "--raw"}).csv.hasBom);
+  EXPECT_TRUE(Parsed({"--bom", "--format", "csv"}).csv.hasBom);
+  EXPECT_TRUE(Parsed({"--mode", "all", "--bom", "--format", "csv"}).csv.hasBom);
 }
 
 TEST(Options, AreThoseOfListWithAndWithoutItsName) {
@@ -76,7 +122,7 @@ TEST(Options, AreThoseOfListWithAndWithoutItsName) {
         std::vector<std::string>{"list", "--mode", "registered", "--columns", "name", "--quiet"}}) {
     const Options options = Parsed(arguments);
     EXPECT_EQ(options.command, Command::List);
-    EXPECT_EQ(options.mode, Orvane::Registered);
+    EXPECT_EQ(options.mode, ListingMode::Registered);
     EXPECT_THAT(Names(options.columns), ElementsAre("name"));
     EXPECT_TRUE(options.columnsChosen);
     EXPECT_TRUE(options.quiet);
@@ -143,8 +189,9 @@ TEST(Options, PrintHelpAndVersion) {
   EXPECT_FALSE(help.options);
   EXPECT_EQ(help.exitCode, 0);
   for (const char* const option :
-       {"--mode", "--format", "--columns", "--output", "--log-level", "--log-file", "--version", "--help", "--match",
-        "--where", "--sort", "--quiet", "snapshot", "diff", "health"}) {
+       {"--mode",    "--kind",   "--third-party", "--host-id",  "--raw",     "--bom",  "--format",
+        "--columns", "--output", "--log-level",   "--log-file", "--version", "--help", "--match",
+        "--where",   "--sort",   "--quiet",       "snapshot",   "diff",      "health"}) {
     EXPECT_THAT(help.text, HasSubstr(option));
   }
   const ParsedCommandLine version = ParseCommandLine({"--version"});
@@ -156,10 +203,13 @@ TEST(Options, PrintHelpAndVersion) {
 TEST(Options, PrintTheHelpOfEachCommand) {
   const std::pair<const char*, std::vector<const char*>> commands[] = {
       {"list",
-       {"--mode", "--format", "--columns", "--match", "--where", "--sort", "--output", "--log-level", "--quiet"}},
-      {"snapshot", {"FILE", "--log-level", "--log-file", "--quiet"}},
-      {"diff", {"OLD", "NEW", "live", "--format", "--output", "--log-level", "--log-file", "--quiet", "exit code"}},
-      {"health", {"--format", "--output", "--log-level", "--log-file", "--quiet", "exit code"}}};
+       {"--kind", "--third-party", "--mode", "exactly as its hosts get it", "--format", "--raw", "--bom", "--columns",
+        "--match", "--where", "--sort", "--output", "--host-id", "--log-level", "--quiet"}},
+      {"snapshot", {"FILE", "--host-id", "--log-level", "--log-file", "--quiet"}},
+      {"diff",
+       {"OLD", "NEW", "live", "--format", "--output", "--host-id", "--log-level", "--log-file", "--quiet",
+        "Exit code"}},
+      {"health", {"--format", "--output", "--host-id", "--log-level", "--log-file", "--quiet", "Exit code"}}};
   for (const auto& [command, words] : commands) {
     for (const char* const option : {"--help", "-h"}) {
       const ParsedCommandLine help = ParseCommandLine({command, option});
@@ -172,66 +222,98 @@ TEST(Options, PrintTheHelpOfEachCommand) {
   EXPECT_THAT(ParseCommandLine({"snapshot", "--help"}).text, testing::Not(HasSubstr("--mode")));
 }
 
+TEST(Options, AreExplainedInLinesThatFitATerminal) {
+  for (const std::vector<std::string>& arguments :
+       {std::vector<std::string>{"--help"}, {"list", "--help"}, {"snapshot", "-h"}, {"diff", "-h"}, {"health", "-h"}}) {
+    std::istringstream help(ParseCommandLine(arguments).text);
+    int lines = 0;
+    for (std::string line; std::getline(help, line); ++lines) EXPECT_LE(line.size(), 79u) << line;
+    EXPECT_GT(lines, 10);
+  }
+}
+
 struct BadUsage {
   std::vector<std::string> arguments;
   const char* sentence;
 };
 
-#define NO_FIELD(text)                                                                                              \
-  "--columns: \"" text                                                                                              \
-  "\" is none of name, description, provider, path, file_version, state, start_type, date, size, product_version, " \
-  "reserved1, reserved2, reserved_list, found_by_device."
+#define NO_COLUMN(option, text)                                                                              \
+  option ": \"" text                                                                                         \
+         "\" is none of kind, name, description, provider, version, product_version, version_key, service, " \
+         "path, state, start_type, image_missing, image_time, size, inf, original_inf, inf_date, class, "    \
+         "files, devices_using, instance_id, hardware_id, identity, names, problem_code, problem."
+#define NO_FIELD(option, text)                                                                            \
+  option ": \"" text                                                                                      \
+         "\" is none of name, description, provider, path, file_version, state, start_type, date, size, " \
+         "product_version, reserved1, reserved2, reserved_list, found_by_device."
 
 TEST(Options, RefuseBadUsageInOneSentence) {
-  const BadUsage cases[] = {{{"--mode", "everything"}, "--mode: \"everything\" is none of all, by-device, registered."},
-                            {{"--mode", "ALL"}, "--mode: \"ALL\" is none of all, by-device, registered."},
-                            {{"--mode", ""}, "--mode: \"\" is none of all, by-device, registered."},
-                            {{"--mode"}, "--mode takes one value, once."},
-                            {{"--mode", "all", "--mode", "all"}, "--mode takes one value, once."},
-                            {{"--format", "xml"}, "--format: \"xml\" is none of csv, html, json, jsonl, markdown, table."},
-                            {{"--columns", "name,colour"}, NO_FIELD("colour")},
-                            {{"--columns", ""}, NO_FIELD("")},
-                            {{"--columns"}, "--columns takes one value, once."},
-                            {{"--columns", "name", "--columns", "path"}, "--columns takes one value, once."},
-                            {{"--output", ""}, "--output: the name is empty."},
-                            {{"--output"}, "--output takes one value, once."},
-                            {{"--log-file", ""}, "--log-file: the name is empty."},
-                            {{"--log-level", "5"}, "--log-level: \"5\" is none of 0, 1, 2, 3, 4."},
-                            {{"--log-level", "-1"}, "--log-level: \"-1\" is none of 0, 1, 2, 3, 4."},
-                            {{"--log-level", "many"}, "--log-level: \"many\" is none of 0, 1, 2, 3, 4."},
-                            {{"--match", ""}, "--match: the pattern is empty."},
-                            {{"--match", "a", "--match", "b"}, "--match takes one value, once."},
-                            {{"--where", "state"}, "--where: \"state\" is not of the form FIELD=VALUE."},
-                            {{"--where", ""}, "--where: \"\" is not of the form FIELD=VALUE."},
-                            {{"--where"}, "--where takes one value each time."},
-                            {{"--where", "state=x", "--where"}, "--where takes one value each time."},
-                            {{"--where", "state=x", "name=y"}, "unknown argument: name=y."},
-                            {{"--sort"}, "--sort takes one value, once."},
-                            {{"--sort", "name", "--sort", "size"}, "--sort takes one value, once."},
-                            {{"--quiet=no"}, "--quiet takes no value."},
-                            {{"list", "list"}, "unknown argument: list."},
-                            {{"--mode", "all", "health"}, "unknown argument: health."},
-                            {{"snapshot"}, "FILE is required."},
-                            {{"snapshot", ""}, "FILE: the name is empty."},
-                            {{"snapshot", "a", "b"}, "unknown argument: b."},
-                            {{"snapshot", "a", "--output", "b"}, "unknown argument: --output b."},
-                            {{"diff"}, "OLD is required."},
-                            {{"diff", "a"}, "NEW is required."},
-                            {{"diff", "a", "b", "c", "d"}, "unknown argument: c d."},
-                            {{"diff", "a", "b", "--format", "csv"}, "--format: \"csv\" is none of json, table."},
-                            {{"diff", "a", "b", "--output", ""}, "--output: the name is empty."},
-                            {{"health", "x"}, "unknown argument: x."},
-                            {{"health", "--mode", "all"}, "unknown argument: --mode all."},
-                            {{"health", "--format", "html"}, "--format: \"html\" is none of json, table."},
-                            {{"health", "--log-level", "5"}, "--log-level: \"5\" is none of 0, 1, 2, 3, 4."},
-                            {{"health", "--version"}, "unknown argument: --version."},
-                            {{"--colour"}, "unknown argument: --colour."},
-                            {{"everything"}, "unknown argument: everything."}};
-  for (const char* const option : {"--where", "--sort"}) {
-    const std::string value = option == std::string("--where") ? "colour=x" : "colour";
-    EXPECT_EQ(ParseCommandLine({option, value}).text,
-              std::string(option) + std::string(NO_FIELD("colour")).substr(std::string("--columns").size()));
-  }
+  const BadUsage cases[] = {
+      {{"--mode", "everything"}, "--mode: \"everything\" is none of all, by-device, registered."},
+      {{"--mode", "ALL"}, "--mode: \"ALL\" is none of all, by-device, registered."},
+      {{"--mode", ""}, "--mode: \"\" is none of all, by-device, registered."},
+      {{"--mode"}, "--mode takes one value, once."},
+      {{"--mode", "all", "--mode", "all"}, "--mode takes one value, once."},
+      {{"--format", "xml"}, "--format: \"xml\" is none of csv, html, json, jsonl, markdown, table."},
+      {{"--columns", "name,colour"}, NO_COLUMN("--columns", "colour")},
+      {{"--columns", ""}, NO_COLUMN("--columns", "")},
+      {{"--columns", "name,file_version"}, NO_COLUMN("--columns", "file_version")},
+      {{"--columns", "kind", "--mode", "all"}, NO_FIELD("--columns", "kind")},
+      {{"--where", "colour=x"}, NO_COLUMN("--where", "colour")},
+      {{"--where", "date=x"}, NO_COLUMN("--where", "date")},
+      {{"--where", "inf=x", "--mode", "all"}, NO_FIELD("--where", "inf")},
+      {{"--sort", "colour"}, NO_COLUMN("--sort", "colour")},
+      {{"--sort", ""}, NO_COLUMN("--sort", "")},
+      {{"--sort", "version", "--mode", "all"}, NO_FIELD("--sort", "version")},
+      {{"--columns", "name,size,name"}, "--columns: \"name\" is named twice."},
+      {{"--kind", "driver"}, "--kind: \"driver\" is none of service, device, package, chipset."},
+      {{"--kind", "device,"}, "--kind: \"\" is none of service, device, package, chipset."},
+      {{"--kind", "device,device"}, "--kind: \"device\" is named twice."},
+      {{"--kind", "device", "--kind", "service"}, "--kind takes one value, once."},
+      {{"--kind", "device", "--mode", "all"}, "--kind cannot be used with --mode."},
+      {{"--third-party", "--mode", "all"}, "--third-party cannot be used with --mode."},
+      {{"--third-party=1"}, "--third-party takes no value."},
+      {{"--raw"}, "--raw needs --format csv."},
+      {{"--bom", "--format", "json"}, "--bom needs --format csv."},
+      {{"--host-id", ""}, "--host-id: the identifier is empty."},
+      {{"snapshot", "s", "--host-id"}, "--host-id takes one value, once."},
+      {{"snapshot", "s", "--kind", "device"}, "unknown argument: --kind device."},
+      {{"--columns"}, "--columns takes one value, once."},
+      {{"--columns", "name", "--columns", "path"}, "--columns takes one value, once."},
+      {{"--output", ""}, "--output: the name is empty."},
+      {{"--output"}, "--output takes one value, once."},
+      {{"--log-file", ""}, "--log-file: the name is empty."},
+      {{"--log-level", "5"}, "--log-level: \"5\" is none of 0, 1, 2, 3, 4."},
+      {{"--log-level", "-1"}, "--log-level: \"-1\" is none of 0, 1, 2, 3, 4."},
+      {{"--log-level", "many"}, "--log-level: \"many\" is none of 0, 1, 2, 3, 4."},
+      {{"--match", ""}, "--match: the pattern is empty."},
+      {{"--match", "a", "--match", "b"}, "--match takes one value, once."},
+      {{"--where", "state"}, "--where: \"state\" is not of the form COLUMN=PATTERN."},
+      {{"--where", ""}, "--where: \"\" is not of the form COLUMN=PATTERN."},
+      {{"--where"}, "--where takes one value each time."},
+      {{"--where", "state=x", "--where"}, "--where takes one value each time."},
+      {{"--where", "state=x", "name=y"}, "unknown argument: name=y."},
+      {{"--sort"}, "--sort takes one value, once."},
+      {{"--sort", "name", "--sort", "size"}, "--sort takes one value, once."},
+      {{"--quiet=no"}, "--quiet takes no value."},
+      {{"list", "list"}, "unknown argument: list."},
+      {{"--mode", "all", "health"}, "unknown argument: health."},
+      {{"snapshot"}, "FILE is required."},
+      {{"snapshot", ""}, "FILE: the name is empty."},
+      {{"snapshot", "a", "b"}, "unknown argument: b."},
+      {{"snapshot", "a", "--output", "b"}, "unknown argument: --output b."},
+      {{"diff"}, "OLD is required."},
+      {{"diff", "a"}, "NEW is required."},
+      {{"diff", "a", "b", "c", "d"}, "unknown argument: c d."},
+      {{"diff", "a", "b", "--format", "csv"}, "--format: \"csv\" is none of json, table."},
+      {{"diff", "a", "b", "--output", ""}, "--output: the name is empty."},
+      {{"health", "x"}, "unknown argument: x."},
+      {{"health", "--mode", "all"}, "unknown argument: --mode all."},
+      {{"health", "--format", "html"}, "--format: \"html\" is none of json, table."},
+      {{"health", "--log-level", "5"}, "--log-level: \"5\" is none of 0, 1, 2, 3, 4."},
+      {{"health", "--version"}, "unknown argument: --version."},
+      {{"--colour"}, "unknown argument: --colour."},
+      {{"everything"}, "unknown argument: everything."}};
   for (const BadUsage& c : cases) {
     const ParsedCommandLine parsed = ParseCommandLine(c.arguments);
     EXPECT_FALSE(parsed.options) << c.sentence;

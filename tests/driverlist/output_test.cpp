@@ -1,25 +1,28 @@
-#include "output.h"
+#include "terminal/output.h"
 
 #include <gmock/gmock.h>
 #include <windows.h>
 
 #include "importhook.h"
 #include "machine.h"
+#include "platform/encoding.h"
+#include "platform/handles.h"
 #include "program.h"
-#include "unicode.h"
 
 using namespace driverlist;
+using Orvane::ErrorText;
+using Orvane::Utf8FromWide;
+using Orvane::WideFromUtf8;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
 namespace {
 
 void WriteDirectly(const std::wstring& path, const std::string& text) {
-  const HANDLE file = CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0, nullptr);
-  ASSERT_NE(file, INVALID_HANDLE_VALUE);
+  const Orvane::FileHandle file(CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0, nullptr));
+  ASSERT_TRUE(file);
   DWORD written = 0;
-  EXPECT_TRUE(WriteFile(file, text.data(), static_cast<DWORD>(text.size()), &written, nullptr));
-  CloseHandle(file);
+  EXPECT_TRUE(WriteFile(file.get(), text.data(), static_cast<DWORD>(text.size()), &written, nullptr));
 }
 
 class FileOutput : public testing::Test {
@@ -130,20 +133,21 @@ TEST_F(FileOutput, LeavesTheDraftsOfProcessesThatRun) {
 
 TEST_F(FileOutput, GoesToADeviceAsItIs) { EXPECT_EQ(WriteFileWhole("NUL", "text"), ""); }
 
-TEST(ConsoleOutput, IsWrittenInUtf16) {
-  std::wstring written;
+TEST(ConsoleOutput, IsWrittenInUtf16WithoutCuttingACharacter) {
+  std::vector<std::wstring> written;
   HOOK(mode, GetModuleHandleA(nullptr), GetConsoleMode,
        [](HANDLE handle, DWORD*) -> BOOL { return handle == GetStdHandle(STD_OUTPUT_HANDLE); });
   HOOK(write, GetModuleHandleA(nullptr), WriteConsoleW,
        [&](HANDLE, const void* text, DWORD length, DWORD* count, void*) -> BOOL {
-         EXPECT_LE(length, 8192u);
-         written.append(static_cast<const wchar_t*>(text), length);
+         written.emplace_back(static_cast<const wchar_t*>(text), length);
          *count = length;
          return TRUE;
        });
-  const std::string text = "Ger\u00E4t \u4E2D\n" + std::string(20000, 'x');
-  EXPECT_EQ(WriteStandardOutput(text), "");
-  EXPECT_EQ(written, WideFromUtf8(text));
+  const std::string rest = std::string(8190, 'x') + "\U0001F680" + std::string(20000, 'y');
+  EXPECT_EQ(WriteStandardOutput("\u4E2D" + rest), "");
+  EXPECT_THAT(written, ElementsAre(WideFromUtf8("\u4E2D" + std::string(8190, 'x')),
+                                   WideFromUtf8("\U0001F680" + std::string(8190, 'y')), std::wstring(8192, L'y'),
+                                   std::wstring(3618, L'y')));
 }
 
 TEST(ConsoleOutput, TellsWhatWentWrong) {

@@ -5,6 +5,7 @@
 #include <memory>
 #include <nlohmann/json.hpp>
 
+#include "platform/handles.h"
 #include "program.h"
 #include "scratchmachine.h"
 
@@ -14,6 +15,7 @@ using test::ScratchFile;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::MatchesRegex;
+using testing::StartsWith;
 
 namespace {
 
@@ -44,7 +46,7 @@ class Program : public test::ScratchMachine {
     ScratchFile plain{DriverPath("OiPlain.sys"), 4096};
     DriverService busService{"OiBus", "\\SystemRoot\\System32\\drivers\\OiBus.sys", SERVICE_BOOT_START};
     DriverService germanService{"OiGeraet", "System32\\drivers\\OiGeraet.sys", SERVICE_AUTO_START};
-    DriverService plainService{"OiPlain", "OiPlain.sys", SERVICE_DISABLED};
+    DriverService plainService{"OiPlain", "System32\\drivers\\OiPlain.sys", SERVICE_DISABLED};
     test::RegistryValue chipset{"SOFTWARE\\Intel\\InfInst", "Version", REG_SZ, "10.1.18793.8276"};
   };
   std::unique_ptr<Machine> m_machine;
@@ -65,33 +67,148 @@ TEST_F(Program, ListsRegisteredDriversAsCsv) {
   EXPECT_EQ(result.output, Expected(L"registered.csv"));
 }
 
-TEST_F(Program, ListsRegisteredDriversAsJson) {
-  const ProgramResult result = Driverlist(L"--mode registered --format json");
-  EXPECT_EQ(result.exitCode, 0u);
-  auto json = nlohmann::ordered_json::parse(result.output);
+/// `document` with what differs from machine to machine and from day to day replaced by names.
+std::string Steady(const std::string& document) {
+  auto json = nlohmann::ordered_json::parse(document);
   EXPECT_THAT(json.at("time").get<std::string>(), MatchesRegex("\\d\\d\\d\\d-\\d\\d-\\d\\dT\\d\\d:\\d\\d:\\d\\dZ"));
-  EXPECT_NE(json.at("host"), "");
-  json["time"] = "TIME";
-  json["host"] = "HOST";
+  EXPECT_EQ(json.at("tool_version"), PROJECT_VERSION);
+  const std::pair<const char*, const char*> names[] = {{"tool_version", "TOOL_VERSION"},
+                                                       {"host", "HOST"},
+                                                       {"host_id", "HOST_ID"},
+                                                       {"windows", "WINDOWS"},
+                                                       {"time", "TIME"}};
+  for (const auto& [member, name] : names) {
+    EXPECT_NE(json.at(member), "");
+    json[member] = name;
+  }
   // The size of an image is the linker's business.
   for (auto& driver : json["drivers"]) {
     if (driver["name"] == "OiBus.sys" || driver["name"] == "OiGeraet.sys") driver["size"] = "SIZE";
   }
-  EXPECT_EQ(json.dump(2) + "\n", Expected(L"registered.json"));
+  return json.dump(2) + "\n";
+}
+
+TEST_F(Program, ListsRegisteredDriversAsJson) {
+  const ProgramResult result = Driverlist(L"--mode registered --format json");
+  EXPECT_EQ(result.exitCode, 0u);
+  EXPECT_EQ(Steady(result.output), Expected(L"registered.json"));
+}
+
+TEST_F(Program, ListsTheInventoryAsJson) {
+  const ProgramResult result = Driverlist(L"list --kind service,chipset --format json");
+  EXPECT_EQ(result.exitCode, 0u);
+  EXPECT_EQ(result.errors, "");
+  EXPECT_EQ(Steady(result.output), Expected(L"inventory.json"));
+}
+
+TEST_F(Program, ListsTheInventoryAsATable) {
+  const ProgramResult result = Driverlist(L"");
+  EXPECT_EQ(result.exitCode, 0u);
+  EXPECT_EQ(result.errors, "");
+  EXPECT_EQ(result.output, Expected(L"inventory.txt")) << "Wine's own display adapter among it";
+}
+
+TEST_F(Program, ListsWhatIsChosen) {
+  const auto names = [](const std::wstring& arguments) {
+    return Driverlist(L"--columns name --format csv " + arguments).output;
+  };
+  EXPECT_EQ(names(L"--kind chipset,service --match oi*"), "name\r\nOiBus.sys\r\nOiGeraet.sys\r\nOiPlain.sys\r\n");
+  EXPECT_EQ(names(L"--kind chipset"), "name\r\nintel_chipset\r\n");
+  EXPECT_EQ(names(L"--kind service --where size=4096"), "name\r\nOiPlain.sys\r\n");
+  EXPECT_EQ(names(L"--kind service --sort version"), "name\r\nOiPlain.sys\r\nOiGeraet.sys\r\nOiBus.sys\r\n");
+}
+
+TEST_F(Program, LeavesOutTheMakerOfWindows) {
+  const ScratchFile image(DriverPath("OiInbox.sys"), L"images\\full.sys");
+  test::VersionSettings version;
+  version.texts = {{L"CompanyName", L"Microsoft Corporation"}};
+  test::SetVersionResource(image.Path(), test::VersionResourceBytes(version));
+  const DriverService service("OiInbox", "System32\\drivers\\OiInbox.sys");
+  const std::wstring list = L"--kind service --columns name --format csv";
+  EXPECT_THAT(Driverlist(list).output, HasSubstr("OiInbox.sys"));
+  EXPECT_EQ(Driverlist(list + L" --third-party").output, "name\r\nOiBus.sys\r\nOiGeraet.sys\r\nOiPlain.sys\r\n");
+}
+
+TEST_F(Program, ReadsNamesOfEveryScript) {
+  const ScratchFile image(DriverPath("\u0442\u0435\u0441\u0442.sys"), L"images\\full.sys");
+  test::VersionSettings version;
+  version.file[0] = 7;
+  version.texts = {{L"CompanyName", L"\u65E5\u672C\u8A9E"}, {L"FileDescription", L"\U0001F680 \u0416"}};
+  test::SetVersionResource(image.Path(), test::VersionResourceBytes(version));
+  const DriverService service("Oi\u0416", "\\SystemRoot\\System32\\drivers\\\u0442\u0435\u0441\u0442.sys");
+  const auto drivers = [](const std::wstring& arguments) {
+    return nlohmann::ordered_json::parse(Driverlist(arguments + L" --format json").output).at("drivers");
+  };
+  auto record = drivers(L"list --where service=Oi\u0436");
+  ASSERT_EQ(record.size(), 1u);
+  record[0].erase("size");
+  EXPECT_EQ(record[0].dump(2), R"({
+  "kind": "service",
+  "name": "тест.sys",
+  "description": "🚀 Ж",
+  "provider": "日本語",
+  "version": "7.0.0.0",
+  "product_version": "0.0.0.0",
+  "version_key": "b7aaa",
+  "service": "OiЖ",
+  "path": "C:\\windows\\System32\\drivers\\тест.sys",
+  "state": "Stopped",
+  "start_type": "Manual",
+  "image_time": ")" + record[0].value("image_time", "no time") +
+                                   R"("
+})");
+  EXPECT_EQ(
+      drivers(L"list --mode registered --where name=\u0442* --columns name,description,provider,path,file_version")
+          .dump(2),
+      R"([
+  {
+    "name": "тест.sys",
+    "description": "🚀 Ж",
+    "provider": "日本語",
+    "path": "C:\\windows\\system32\\drivers\\тест.sys",
+    "file_version": "7.0.0.0"
+  }
+])");
+  EXPECT_EQ(Driverlist(L"--where service=Oi* --where version=*.*.*.* --columns name,provider,version").output,
+            "name          provider         version\n"
+            "OiBus.sys     Example Systems  6.2.9200.16384\n"
+            "OiGeraet.sys  M\u00FCller Ger\u00E4te    4.0.0.0\n"
+            "\u0442\u0435\u0441\u0442.sys      \u65E5\u672C\u8A9E           7.0.0.0\n");
+}
+
+TEST_F(Program, IdentifiesTheMachineAsTheUserSays) {
+  const auto json = nlohmann::json::parse(Driverlist(L"--mode registered --format json --host-id \"\u0436 7\"").output);
+  EXPECT_EQ(json.at("host_id"), "\u0436 7");
+  EXPECT_EQ(nlohmann::json::parse(Driverlist(L"--format json --host-id x").output).at("host_id"), "x");
+}
+
+TEST_F(Program, MakesCsvFitForSpreadsheets) {
+  const ScratchFile image(DriverPath("OiSum.sys"), L"images\\full.sys");
+  test::VersionSettings version;
+  version.texts = {{L"CompanyName", L"=1+1"}};
+  test::SetVersionResource(image.Path(), test::VersionResourceBytes(version));
+  const DriverService service("OiSum", "System32\\drivers\\OiSum.sys");
+  const std::wstring list = L"--where name=oisum* --columns provider --format csv";
+  EXPECT_EQ(Driverlist(list).output, "provider\r\n'=1+1\r\n");
+  EXPECT_EQ(Driverlist(list + L" --raw --bom").output, "\xEF\xBB\xBFprovider\r\n=1+1\r\n");
 }
 
 TEST_F(Program, ListsRegisteredDriversAsAPage) {
   const ProgramResult result = Driverlist(L"--mode registered --format html --columns name,file_version");
   EXPECT_EQ(result.exitCode, 0u);
   EXPECT_EQ(result.errors, "");
-  EXPECT_THAT(result.output, testing::StartsWith("<!doctype html>\n"));
-  EXPECT_THAT(result.output, HasSubstr("<dd>Registered services (registered)</dd>"));
-  EXPECT_THAT(
-      result.output,
-      HasSubstr(
-          "<tbody>\n"
-          "<tr><th scope=\"row\" class=\"name\">OiBus.sys</th><td class=\"file_version\">6.2.9200.16384</td></tr>\n"
-          "<tr><th scope=\"row\" class=\"name\">OiGeraet.sys</th>"));
+  EXPECT_THAT(result.output, StartsWith("<!doctype html>\n"));
+  EXPECT_THAT(result.output, HasSubstr("registered"));
+  EXPECT_THAT(result.output, HasSubstr("6.2.9200.16384"));
+}
+
+TEST_F(Program, ListsTheInventoryAsAPage) {
+  const ProgramResult result = Driverlist(L"--kind service --format html");
+  EXPECT_EQ(result.exitCode, 0u);
+  EXPECT_EQ(result.errors, "");
+  EXPECT_THAT(result.output, StartsWith("<!doctype html>\n"));
+  EXPECT_THAT(result.output, HasSubstr("OiPlain.sys"));
+  EXPECT_THAT(result.output, testing::Not(HasSubstr("intel_chipset")));
 }
 
 TEST_F(Program, WritesTheSameToAFile) {
@@ -161,10 +278,29 @@ TEST_F(Program, LogsToAFile) {
 }
 
 TEST_F(Program, SaysWhenTheLogFileCannotBeOpened) {
-  const ProgramResult result = Driverlist(L"--mode registered --log-file \"" + folder.Path(L"a\"\"b") + L"\"");
+  const ProgramResult result = Driverlist(L"--mode registered --log-file \"" + folder.Path(L"none\\log.txt") + L"\"");
   EXPECT_EQ(result.exitCode, 1u);
   EXPECT_EQ(result.output, "");
-  EXPECT_THAT(result.errors, MatchesRegex("driverlist: cannot open the log file .+ for writing.\n"));
+  EXPECT_THAT(result.errors, MatchesRegex("driverlist: cannot open the log file .*none.log\\.txt: .+\n"));
+  EXPECT_EQ(GetFileAttributesW(folder.Path(L"none").c_str()), INVALID_FILE_ATTRIBUTES) << "it makes no folders";
+}
+
+TEST_F(Program, SaysWhenTheLogFileCannotBeWritten) {
+  constexpr wchar_t full[] = L"Z:\\dev\\full";
+  if (!Orvane::FileHandle(CreateFileW(full, GENERIC_WRITE, FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0, nullptr))) {
+    GTEST_SKIP() << "there is no device that is full";
+  }
+  const ProgramResult result = Driverlist(std::wstring(L"--mode registered --log-file ") + full);
+  EXPECT_EQ(result.exitCode, 1u);
+  EXPECT_EQ(result.output, Expected(L"registered.txt")) << "the list is there all the same";
+  EXPECT_THAT(result.errors, MatchesRegex("driverlist: cannot write the log file Z:.dev.full: .+\n"));
+}
+
+TEST_F(Program, EchoesNoControlCharacter) {
+  const ProgramResult result = Driverlist(L"--mode \x1B[31m");
+  EXPECT_EQ(result.exitCode, 2u);
+  EXPECT_EQ(result.errors, "driverlist: --mode: \"[U+001B][31m\" is none of all, by-device, registered.\n");
+  EXPECT_EQ(Driverlist(L"\u202Esys").errors, "driverlist: unknown argument: [U+202E]sys.\n");
 }
 
 }  // namespace

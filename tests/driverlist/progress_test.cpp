@@ -1,25 +1,32 @@
-#include "progress.h"
+#include "terminal/progress.h"
 
 #include <gmock/gmock.h>
 #include <windows.h>
 
+#include <memory>
+
 #include "importhook.h"
+#include "inventory/inventory.h"
+#include "inventory/listing.h"
+#include "inventory/progress.h"
 #include "log.h"
-#include "unicode.h"
+#include "platform/encoding.h"
+#include "scratchmachine.h"
 
 using driverlist::Progress;
-using driverlist::ProgressText;
+using inventory::ProgressText;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
 namespace {
 
-TEST(ProgressText, TellsTheWayOfAListing) {
+TEST(ProgressText, SaysHowFarAListingIs) {
   EXPECT_EQ(ProgressText("Start list exist device driver files."), "devices");
   EXPECT_EQ(ProgressText("8086-15FB-1028-0A5C|C:\\windows\\inf\\oem0.inf"), "device 8086-15FB-1028-0A5C");
   EXPECT_EQ(ProgressText("8086-7E4C-1028-0A5C|"), "device 8086-7E4C-1028-0A5C");
   EXPECT_EQ(ProgressText("Start to list registered driver files."), "services");
   EXPECT_EQ(ProgressText("DRIVERINFO.name=ACPI.sys DRIVERINFO.file_version=10.0"), "driver ACPI.sys");
+  EXPECT_EQ(ProgressText("DRIVERINFO.name=two words.sys DRIVERINFO.file_version="), "driver two words.sys");
   EXPECT_EQ(ProgressText("Start to list driver files from OemInf."), "OEM packages");
   EXPECT_EQ(ProgressText("Start to parse C:\\windows\\inf\\oem0.inf"), "package oem0.inf");
   EXPECT_EQ(ProgressText("Start to parse oem0.inf"), "package oem0.inf");
@@ -28,14 +35,28 @@ TEST(ProgressText, TellsTheWayOfAListing) {
 TEST(ProgressText, PassesOverTheRest) {
   for (const char* const line :
        {"", "nlnet.sys|12.19.2.45|", "Get driver version: 1.0", "can not find bpname= x", "Get data from cache.",
-        "Enter DriverInfoImp::GetDriveInfoFromSysFile()", "driverlist size before erase unique:13"}) {
+        "Enter DriverInfoImp::GetDriveInfoFromSysFile()", "driverlist size before erase unique:13",
+        "Start to list registered driver files. And more."}) {
     EXPECT_EQ(ProgressText(line), std::nullopt) << line;
   }
 }
 
 TEST(ProgressText, IsUtf8) {
-  if (GetACP() != 1252) GTEST_SKIP() << "the bytes are those of code page 1252";
-  EXPECT_EQ(ProgressText("DRIVERINFO.name=Ger\xE4t.sys DRIVERINFO.file_version="), "driver Ger\u00E4t.sys");
+  const std::string line = "DRIVERINFO.name=Ger\u00E4t.sys DRIVERINFO.file_version=";
+  EXPECT_EQ(ProgressText(Orvane::AnsiFromUtf8(line)), "driver Ger\u00E4t.sys");
+}
+
+/// What the progress line would show while `act` runs.
+template <typename Act>
+std::vector<std::string> ProgressOf(Act act) {
+  std::vector<std::string> texts;
+  Orvane::SetLogLevel(4);
+  Orvane::LogToFunction([&texts](int, const char*, int, const std::string& line) {
+    if (const auto text = ProgressText(line)) texts.push_back(*text);
+  });
+  act();
+  Orvane::LogToNothing();
+  return texts;
 }
 
 /// Standard error is a terminal of 31 columns, of which 30 are used, and time goes as the test says.
@@ -54,7 +75,7 @@ class Terminal : public testing::Test {
   });
   HOOK(mode, program, GetConsoleMode, [](HANDLE handle, DWORD*) -> BOOL { return IsError(handle); });
   HOOK(write, program, WriteConsoleW, [this](HANDLE, const void* text, DWORD length, DWORD* count, void*) -> BOOL {
-    written.push_back(driverlist::Utf8FromWide({static_cast<const wchar_t*>(text), length}));
+    written.push_back(Orvane::Utf8FromWide({static_cast<const wchar_t*>(text), length}));
     *count = length;
     return TRUE;
   });
@@ -90,6 +111,17 @@ TEST_F(Terminal, IsNotWiderThanItsWindow) {
   EXPECT_THAT(written, ElementsAre("\rreading driver " + std::string(14, 'x') + "\u2026"));
 }
 
+TEST_F(Terminal, CountsColumnsAndShowsUnseenCharacters) {
+  {
+    const Progress progress(true);
+    Log(Orvane::AnsiFromUtf8("DRIVERINFO.name=\u65E5\u672C.sys DRIVERINFO.file_version=1"));
+    now += 100;
+    Log("DRIVERINFO.name=a\x1B DRIVERINFO.file_version=1");
+  }
+  EXPECT_THAT(written, ElementsAre("\rreading driver \u65E5\u672C.sys", "\rreading driver a[U+001B]",
+                                   "\r" + std::string(24, ' ') + "\r"));
+}
+
 TEST_F(Terminal, StaysEmptyWhenNobodyWantsALine) {
   {
     const Progress progress(false);
@@ -110,6 +142,50 @@ TEST_F(Terminal, IsNoFile) {
   Orvane::LogToNothing();
   EXPECT_THAT(written, IsEmpty());
   EXPECT_EQ(logged, 1) << "the log stays with whom it was";
+}
+
+/// Such a terminal, on a machine of two drivers and an OEM package.
+class ProgramProgress : public Terminal {
+ protected:
+  void SetUp() override {
+    if (test::MayChangeThisMachine()) {
+      m_machine = std::make_unique<Machine>();
+    } else {
+      GTEST_SKIP() << "this machine is not to be changed";
+    }
+  }
+
+ private:
+  struct Machine {
+    test::ScratchFile busImage{test::SystemDirectory() + "\\drivers\\OiBus.sys", L"images\\full.sys"};
+    test::ScratchFile germanImage{test::SystemDirectory() + "\\drivers\\OiGeraet.sys", L"images\\codepage.sys"};
+    test::DriverService bus{"OiBus", "\\SystemRoot\\System32\\drivers\\OiBus.sys"};
+    test::DriverService german{"OiGeraet", "System32\\drivers\\OiGeraet.sys"};
+    test::ScratchFile package{
+        test::InfDirectory() + "\\oem77.inf",
+        {"[Version]", "Signature=\"$WINDOWS NT$\"", "Provider=Example Systems", "DriverVer=01/02/2020,1.2.3.4"}};
+  };
+  std::unique_ptr<Machine> m_machine;
+};
+
+TEST_F(ProgramProgress, KnowsTheLogOfARealListing) {
+  const auto listing = [] { EXPECT_THAT(inventory::Listed(inventory::ListingMode::All), testing::Not(IsEmpty())); };
+  // Wine's own display adapter comes first, without driver.
+  EXPECT_THAT(ProgressOf(listing), ElementsAre("devices", "device 0000-0000-0000-0000", "services", "driver OiBus.sys",
+                                               "driver OiGeraet.sys", "OEM packages", "package oem77.inf"));
+}
+
+TEST_F(ProgramProgress, IsShownWhileTheInventoryIsCollected) {
+  HOOK(passing, program, GetTickCount64, [this] { return now += 100; });
+  {
+    const Progress progress(true);
+    EXPECT_THAT(inventory::Collect("").records, testing::Not(IsEmpty()));
+  }
+  ASSERT_GE(written.size(), 5u);
+  written.resize(5);
+  for (std::string& text : written) text.erase(text.find_last_not_of(' ') + 1);
+  EXPECT_THAT(written, ElementsAre("\rreading devices", "\rreading device 0000-0000-0000\u2026", "\rreading services",
+                                   "\rreading driver OiBus.sys", "\rreading driver OiGeraet.sys"));
 }
 
 }  // namespace

@@ -1,9 +1,9 @@
 // The README's code is the example that the build compiles. The manual shows what the program prints.
 #include <gmock/gmock.h>
 
-#include "columns.h"
-#include "healthrules.h"
-#include "options.h"
+#include "commands/columns.h"
+#include "commands/options.h"
+#include "inventory/healthrules.h"
 #include "program.h"
 
 namespace {
@@ -26,11 +26,13 @@ TEST(Manual, ShowsWhatIsPrinted) {
 }
 
 TEST(Manual, ExplainsEveryFieldRuleAndOption) {
-  for (const driverlist::Column& column : driverlist::AllColumns()) {
-    EXPECT_THAT(Manual(), testing::HasSubstr("`" + std::string(column.name) + "`"));
+  for (const auto& mode : {std::optional<inventory::ListingMode>(), std::optional(inventory::ListingMode::All)}) {
+    for (const std::string& name : driverlist::ColumnNames(driverlist::ColumnsOf(mode))) {
+      EXPECT_THAT(Manual(), testing::HasSubstr("`" + name + "`"));
+    }
   }
-  for (const driverlist::HealthRule& rule : driverlist::HealthRules()) {
-    EXPECT_THAT(Manual(), testing::HasSubstr("| `" + rule.name + "` |"));
+  for (const inventory::HealthRule& rule : inventory::HealthRules()) {
+    EXPECT_THAT(Manual(), testing::HasSubstr("| `" + std::string(rule.name) + "` |"));
   }
   const std::string help = driverlist::ParseCommandLine({"--help"}).text;
   for (std::size_t at = help.find("--"); at != std::string::npos; at = help.find("--", at + 2)) {

@@ -1,36 +1,49 @@
-#include "selection.h"
+#include "commands/selection.h"
 
 #include <gmock/gmock.h>
-#include <windows.h>
-
-#include "insertionsort.h"
 
 using namespace driverlist;
-using Orvane::DriverData;
+using inventory::Kind;
+using inventory::ListedDriver;
+using inventory::Record;
+using inventory::Records;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
 namespace {
 
-DriverData Driver(const std::string& name, const std::string& version, const std::string& state = "") {
-  DriverData driver;
-  driver.name = name;
-  driver.file_version = version;
-  driver.state = state;
-  return driver;
+Record Service(const std::string& name, const std::string& version, const std::string& state = "") {
+  Record record;
+  record.name = name;
+  record.version = version;
+  record.state = state;
+  return record;
 }
 
-std::vector<std::string> Names(const std::vector<DriverData>& drivers) {
+std::vector<std::string> Selected(const Records& records, const Selection& selection) {
   std::vector<std::string> names;
-  for (const DriverData& driver : drivers) names.push_back(driver.name);
+  for (const std::size_t row : SelectedRows(TableOf(records), selection)) names.push_back(records[row].name);
   return names;
 }
 
-Condition Where(const char* field, const std::string& pattern) { return {*FindColumn(field), pattern}; }
+std::vector<std::string> Selected(const std::vector<ListedDriver>& drivers, const Selection& selection) {
+  std::vector<std::string> names;
+  for (const std::size_t row : SelectedRows(TableOf(drivers), selection)) names.push_back(drivers[row].name);
+  return names;
+}
 
-Selection SortedBy(const char* field) {
+inventory::Column Member(const char* name) { return *inventory::FindMember(name); }
+
+inventory::Column Field(const char* name) {
+  const Table table = TableOf(std::vector<ListedDriver>());
+  return table.columns.at(IndexOf(table.columns, name));
+}
+
+Condition Where(const char* member, const std::string& pattern) { return {Member(member), pattern}; }
+
+Selection SortedBy(const inventory::Column& column) {
   Selection selection;
-  selection.sort = *FindColumn(field);
+  selection.sort = column;
   return selection;
 }
 
@@ -73,92 +86,129 @@ TEST(Pattern, TakesNoTimeForManyStars) {
 }
 
 TEST(Selection, OfNothingIsEverythingInItsOrder) {
-  EXPECT_THAT(Names(Select({Driver("b", ""), Driver("a", "")}, {})), ElementsAre("b", "a"));
+  EXPECT_THAT(Selected({Service("b", ""), Service("a", "")}, {}), ElementsAre("b", "a"));
 }
 
-TEST(Selection, MatchesAnyField) {
-  DriverData list = Driver("c", "3");
-  list.reserved_list = {"x", "running"};
+TEST(Selection, MatchesAnyColumn) {
+  Record package = Service("c", "3");
+  package.kind = Kind::Package;
+  package.files = {"x", "running"};
   Selection selection;
   selection.match = "*running";
-  EXPECT_THAT(Names(Select({Driver("a", "1", "Running"), Driver("b", "2", "Stopped"), list}, selection)),
+  EXPECT_THAT(Selected({Service("a", "1", "Running"), Service("b", "2", "Stopped"), package}, selection),
               ElementsAre("a", "c"));
+  selection.match = "x;*";
+  EXPECT_THAT(Selected({Service("a", "1"), package}, selection), ElementsAre("c")) << "several texts are one";
 }
 
 TEST(Selection, NeedsAllConditions) {
-  const std::vector<DriverData> drivers = {Driver("a.sys", "1", "Running"), Driver("b.sys", "1", "Stopped"),
-                                           Driver("a.inf", "1"), Driver("a.sys", "2", "Running")};
+  Record gone = Service("gone.sys", "");
+  gone.image_missing = true;
+  gone.size = 1024;
+  const Records records = {Service("a.sys", "1", "Running"), Service("b.sys", "1", "Stopped"), gone,
+                           Service("a.sys", "2", "Running")};
   Selection selection;
-  selection.conditions = {Where("name", "a*"), Where("state", "running"), Where("file_version", "1")};
-  const std::vector<DriverData> selected = Select(drivers, selection);
-  EXPECT_THAT(Names(selected), ElementsAre("a.sys"));
+  selection.conditions = {Where("name", "a*"), Where("state", "running"), Where("version", "1")};
+  EXPECT_THAT(SelectedRows(TableOf(records), selection), ElementsAre(0u));
   selection.conditions = {Where("state", "")};
-  EXPECT_THAT(Names(Select(drivers, selection)), ElementsAre("a.inf")) << "an empty field";
-  selection.conditions = {Where("found_by_device", "0"), Where("name", "c")};
-  EXPECT_THAT(Names(Select(drivers, selection)), IsEmpty());
+  EXPECT_THAT(Selected(records, selection), ElementsAre("gone.sys")) << "an unknown state";
+  selection.conditions = {Where("image_missing", "true"), Where("size", "10?4"), Where("kind", "service")};
+  EXPECT_THAT(Selected(records, selection), ElementsAre("gone.sys"));
+  selection.conditions = {Where("image_missing", "true"), Where("name", "a*")};
+  EXPECT_THAT(Selected(records, selection), IsEmpty());
 }
 
 TEST(Selection, AndsConditionsAndMatch) {
   Selection selection;
   selection.match = "*.sys";
-  selection.conditions = {Where("file_version", "2")};
-  EXPECT_THAT(Names(Select({Driver("a.sys", "1"), Driver("b.sys", "2"), Driver("c.inf", "2")}, selection)),
+  selection.conditions = {Where("version", "2")};
+  EXPECT_THAT(Selected({Service("a.sys", "1"), Service("b.sys", "2"), Service("c.inf", "2")}, selection),
               ElementsAre("b.sys"));
 }
 
-TEST(Selection, MatchesTextsOfTheCodePage) {
-  if (GetACP() != 1252) GTEST_SKIP() << "the bytes are those of code page 1252";
+TEST(Selection, MatchesTextsOfEveryScript) {
   Selection selection;
-  selection.match = "GER\u00C4T";
-  EXPECT_THAT(Select({Driver("Ger\xE4t", "")}, selection), testing::SizeIs(1));
+  selection.match = "\u0422\u0415\u0421\u0422.*";
+  EXPECT_THAT(Selected({Service("\u0442\u0435\u0441\u0442.sys", ""), Service("test.sys", "")}, selection),
+              ElementsAre("\u0442\u0435\u0441\u0442.sys"));
 }
 
-TEST(Sort, OrdersVersionsAsTheLibraryDoes) {
-  EXPECT_THAT(Names(Select({Driver("ten", "10.0"), Driver("nine", "9.9"), Driver("none", ""), Driver("alpha", "a.1")},
-                           SortedBy("file_version"))),
-              ElementsAre("none", "nine", "alpha", "ten"))
+TEST(Selection, ChoosesFromAListingOfTheLibrary) {
+  ListedDriver device;
+  device.name = "device";
+  device.found_by_device = 1;
+  Selection selection;
+  selection.conditions = {{Field("found_by_device"), "0"}};
+  EXPECT_THAT(Selected({device, ListedDriver()}, selection), ElementsAre(""));
+}
+
+TEST(Sort, OrdersVersionsByTheirKeys) {
+  EXPECT_THAT(
+      Selected({Service("ten", "10.0"), Service("nine", "9.9"), Service("unknown", ""), Service("alpha", "a.1")},
+               SortedBy(Member("version"))),
+      ElementsAre("unknown", "nine", "alpha", "ten"))
       << "components are hexadecimal";
 }
 
-TEST(Sort, EndsWithVersionsWhoseOrderContradictsItself) {
-  std::vector<DriverData> drivers;
-  for (int i = 0; i < 300; ++i) {
-    for (const char* const version : {"1g", "9", "10"}) drivers.push_back(Driver(std::to_string(i), version));
+TEST(Sort, TakesNoVersionForAnUnknownOne) {
+  ListedDriver known;
+  known.name = "known";
+  known.file_version = "1.0";
+  ListedDriver without;
+  without.name = "without";
+  without.file_version = "N/A";
+  EXPECT_THAT(Selected({known, without}, SortedBy(Field("file_version"))), ElementsAre("without", "known"));
+}
+
+TEST(Sort, OrdersNumbersAsNumbers) {
+  Records records;
+  for (const std::uint64_t size : {1000u, 999u, 0u, 10u}) {
+    records.push_back(Service(std::to_string(size), ""));
+    records.back().size = size;
   }
-  std::vector<std::string> before = Names(drivers);
-  std::vector<std::string> after = Names(Select(drivers, SortedBy("file_version")));
-  std::sort(before.begin(), before.end());
-  std::sort(after.begin(), after.end());
-  EXPECT_EQ(after, before);
+  records.push_back(Service("unknown", ""));
+  EXPECT_THAT(Selected(records, SortedBy(Member("size"))), ElementsAre("unknown", "0", "10", "999", "1000"));
 }
 
-TEST(Sort, OrdersSizesAsNumbersAndDatesAsDates) {
-  DriverData a = Driver("a", "");
-  DriverData b = Driver("b", "");
-  DriverData c = Driver("c", "");
-  DriverData none = Driver("none", "");
-  a.size = "1000";
-  b.size = "999";
-  c.size = "0";
-  a.date = "12/31/2020 23:59:59";
-  b.date = "01/01/2021 ";
-  c.date = "01/01/2021 00:00:01";
-  EXPECT_THAT(Names(Select({a, b, c, none}, SortedBy("size"))), ElementsAre("none", "c", "b", "a"));
-  EXPECT_THAT(Names(Select({c, b, a, none}, SortedBy("date"))), ElementsAre("none", "a", "b", "c"));
+TEST(Sort, OrdersTheSizesOfAListingAsNumbers) {
+  std::vector<ListedDriver> drivers;
+  for (const char* const size : {"1000", "999", "", "0"}) {
+    drivers.emplace_back();
+    drivers.back().name = drivers.back().size = size;
+  }
+  EXPECT_THAT(Selected(drivers, SortedBy(Field("size"))), ElementsAre("", "0", "999", "1000"));
 }
 
-TEST(Sort, OrdersOtherFieldsByBytesAndKeepsEquals) {
+TEST(Sort, OrdersTimesAndOtherTextsByTheirBytesAndKeepsEquals) {
   EXPECT_THAT(
-      Names(Select({Driver("b", "1"), Driver("a", "2"), Driver("B", "3"), Driver("a2", "4")}, SortedBy("name"))),
+      Selected({Service("b", "1"), Service("a", "2"), Service("B", "3"), Service("a2", "4")}, SortedBy(Member("name"))),
       ElementsAre("B", "a", "a2", "b"));
-  EXPECT_THAT(Names(Select({Driver("b", "", "x"), Driver("a", "", "x"), Driver("c", "", "A")}, SortedBy("state"))),
-              ElementsAre("c", "b", "a"));
+  EXPECT_THAT(
+      Selected({Service("b", "", "x"), Service("a", "", "x"), Service("c", "", "A")}, SortedBy(Member("state"))),
+      ElementsAre("c", "b", "a"));
+  Records records = {Service("new", ""), Service("unknown", ""), Service("old", "")};
+  records[0].image_time = "2024-05-06T07:08:09Z";
+  records[2].image_time = "2023-12-31T23:59:59Z";
+  EXPECT_THAT(Selected(records, SortedBy(Member("image_time"))), ElementsAre("unknown", "old", "new"));
 }
 
-TEST(InsertionSort, SortsAndKeepsEqualsInTheirOrder) {
-  std::vector<std::pair<int, int>> items = {{3, 0}, {1, 1}, {3, 2}, {2, 3}, {1, 4}};
-  InsertionSort(items, [](const auto& a, const auto& b) { return a.first < b.first; });
-  EXPECT_THAT(items, ElementsAre(std::pair(1, 1), std::pair(1, 4), std::pair(2, 3), std::pair(3, 0), std::pair(3, 2)));
+TEST(Sort, PutsFalseBeforeTrue) {
+  Records records = {Service("gone", ""), Service("there", "")};
+  records[0].image_missing = true;
+  EXPECT_THAT(Selected(records, SortedBy(Member("image_missing"))), ElementsAre("there", "gone"));
+}
+
+TEST(Part, HasTheRowsAndColumnsAskedForInTheirOrder) {
+  const Table part = PartOf(TableOf(Records{Service("a", "1", "x"), Service("b", "2", "y"), Service("c", "3", "z")}),
+                            {2, 0}, {Member("state"), Member("name")});
+  ASSERT_EQ(part.columns.size(), 2u);
+  EXPECT_EQ(part.columns[0].name, "state");
+  EXPECT_EQ(part.columns[1].name, "name");
+  std::vector<std::string> texts;
+  for (const auto& row : part.rows) {
+    for (const Cell& cell : row) texts.push_back(inventory::TextOf(cell.value));
+  }
+  EXPECT_THAT(texts, ElementsAre("z", "c", "x", "a"));
 }
 
 }  // namespace

@@ -2,27 +2,17 @@
 #include <string>
 #include <vector>
 
-#include "commands.h"
-#include "delivery.h"
+#include "commands/commands.h"
+#include "commands/delivery.h"
+#include "commands/options.h"
 #include "log.h"
-#include "options.h"
-#include "unicode.h"
+#include "platform/encoding.h"
+#include "terminal/logfile.h"
 
 namespace driverlist {
 namespace {
 
-/// False when the log file cannot be opened.
-bool StartLog(const Options& options) {
-  if (options.logLevel) Orvane::SetLogLevel(*options.logLevel);
-  if (!options.logFile.empty()) return Orvane::LogToFile(WideFromUtf8(options.logFile), 10 << 20, 3);
-  if (options.logLevel) Orvane::LogToStandardError();
-  return true;
-}
-
-int Run(const Options& options) {
-  if (!StartLog(options)) {
-    return Fail(TroubleCode(options.command), "cannot open the log file " + options.logFile + " for writing.");
-  }
+int RunCommand(const Options& options) {
   switch (options.command) {
     case Command::Snapshot:
       return RunSnapshot(options);
@@ -34,6 +24,25 @@ int Run(const Options& options) {
       break;
   }
   return RunList(options);
+}
+
+int RunWithLogFile(const Options& options) {
+  const int trouble = TroubleCode(options.command);
+  const LogFile log(options.logFile);
+  const std::string unopened = log.Problem();
+  if (!unopened.empty()) return Fail(trouble, "cannot open the log file " + options.logFile + ": " + unopened);
+  const int exitCode = RunCommand(options);
+  const std::string unwritten = log.Problem();
+  // Other trouble has had its sentence.
+  if (unwritten.empty() || exitCode == trouble) return exitCode;
+  return Fail(trouble, "cannot write the log file " + options.logFile + ": " + unwritten);
+}
+
+int Run(const Options& options) {
+  if (options.logLevel) Orvane::SetLogLevel(*options.logLevel);
+  if (!options.logFile.empty()) return RunWithLogFile(options);
+  if (options.logLevel) Orvane::LogToStandardError();
+  return RunCommand(options);
 }
 
 int Run(const std::vector<std::string>& arguments) {
@@ -53,7 +62,7 @@ int Run(const std::vector<std::string>& arguments) {
 int wmain(int argc, wchar_t** argv) {
   try {
     std::vector<std::string> arguments;
-    for (int i = 1; i < argc; ++i) arguments.push_back(driverlist::Utf8FromWide(argv[i]));
+    for (int i = 1; i < argc; ++i) arguments.push_back(Orvane::Utf8FromWide(argv[i]));
     return driverlist::Run(arguments);
   } catch (const std::bad_alloc&) {
     return driverlist::Fail(1, "out of memory.");

@@ -1,0 +1,29 @@
+/// @file
+/// How a command ends: what it prints or writes, and its exit code.
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "commands/options.h"
+#include "terminal/page.h"
+
+namespace driverlist {
+
+/// The exit code of `command` when something goes wrong. For diff and health, 1 already means that something was found.
+int TroubleCode(Command command);
+
+/// Writes `sentence` to standard error, as Visible() shows it, and returns `exitCode`.
+int Fail(int exitCode, const std::string& sentence);
+
+/// Writes `text` to where `options` say, and returns `exitCode`; fails when it cannot be written.
+int Deliver(const Options& options, const std::string& text, int exitCode);
+
+/// The same with what `format` makes for the page that `options` mean: a table on a terminal is as wide as that, and
+/// coloured where the terminal and the user allow it; everything else has neither width nor colours.
+int Deliver(const Options& options, const std::function<std::string(const Page&)>& format, int exitCode);
+
+/// Whether a progress line may show: the user asked neither for quiet nor for a log.
+bool WantsProgress(const Options& options);
+
+}  // namespace driverlist

@@ -1,0 +1,45 @@
+/// @file
+/// The forms in which the program shows a list of drivers. All are UTF-8 and the same in every locale. Each shows all
+/// columns and rows of a table, in their order.
+#pragma once
+
+#include <string>
+
+#include "formats/table.h"
+#include "inventory/head.h"
+#include "terminal/page.h"
+
+namespace driverlist {
+
+/// What documents say about a list as a whole.
+struct ListHead {
+  inventory::Head head;
+  /// Which listing of the library it is, as on the command line; empty for the inventory.
+  std::string mode;
+};
+
+/// One line per row below a line of column names, as FormatRows() lays them out.
+std::string FormatTable(const Table& table, const Page& page);
+
+struct CsvStyle {
+  /// Whether texts are written as they are. Otherwise those that a spreadsheet would take for a formula get an
+  /// apostrophe in front.
+  bool isRaw = false;
+  /// Whether it begins with a byte order mark, by which Excel knows UTF-8.
+  bool hasBom = false;
+};
+
+/// RFC 4180, with a header record of column names.
+std::string FormatCsv(const Table& table, const CsvStyle& style);
+
+/// One object: the head, "mode" where there is one, and "drivers", an array of objects that have the columns as
+/// members, except those without value.
+std::string FormatJson(const Table& table, const ListHead& head);
+
+/// One such object per row and line, each with the members of the head itself.
+std::string FormatJsonLines(const Table& table, const ListHead& head);
+
+/// A table of GitHub Flavored Markdown, in which every text means itself.
+std::string FormatMarkdown(const Table& table);
+
+}  // namespace driverlist
