@@ -7,6 +7,8 @@
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 
+#include "platform/encoding.h"
+
 namespace samplemachine {
 namespace {
 
@@ -33,13 +35,6 @@ void ReadVersion(const std::string& text, WORD (&words)[4]) {
   }
 }
 
-std::wstring Wide(const std::string& utf8) {
-  std::wstring wide(static_cast<std::size_t>(MultiByteToWideChar(CP_UTF8, 0, utf8.c_str(), -1, nullptr, 0)), L'\0');
-  MultiByteToWideChar(CP_UTF8, 0, utf8.c_str(), -1, wide.data(), static_cast<int>(wide.size()));
-  wide.pop_back();
-  return wide;
-}
-
 Driver ReadDriver(const Json& json) {
   Driver driver{};
   driver.file = json.at("file");
@@ -51,7 +46,8 @@ Driver ReadDriver(const Json& json) {
   ReadVersion(json.at("product_version"), driver.version.product);
   for (const auto& [key, member] :
        {std::pair(L"CompanyName", "company"), std::pair(L"FileDescription", "description")}) {
-    if (json.contains(member)) driver.version.texts.emplace_back(key, Wide(json.at(member)));
+    if (json.contains(member))
+      driver.version.texts.emplace_back(key, Orvane::WideFromUtf8(json.at(member).get<std::string>()));
   }
   return driver;
 }
@@ -77,9 +73,13 @@ test::DeviceSettings ReadDevice(const Json& json) {
   device.hardwareIds = json.at("hardware_ids").get<std::vector<std::string>>();
   device.location = json.value("location", "");
   device.service = json.value("service", "");
+  device.friendlyName = json.value("friendly_name", "");
+  device.extensions = json.value("extensions", std::vector<std::string>());
+  if (json.contains("problem_code")) device.problemCode = json.at("problem_code").get<DWORD>();
   if (json.contains("package")) {
     const Json& package = json.at("package");
-    device.package = test::InstalledPackage{package.at("inf"), package.at("version"), package.at("date")};
+    device.package = test::InstalledPackage{package.at("inf"), package.at("version"), package.at("date"),
+                                            package.value("provider", "")};
   }
   return device;
 }

@@ -5,14 +5,25 @@
 ///       "drivers":  [{"file", "size", "created", "file_version", "product_version", "company", "description"}],
 ///       "services": [{"name", "image_path", "type", "start", "running"}],
 ///       "packages": [{"inf", "lines"}],
-///       "devices":  [{"instance_id", "description", "manufacturer", "class", "hardware_ids", "location", "service",
-///                     "package": {"inf", "version", "date"}}],
+///       "devices":  [{"instance_id", "description", "friendly_name", "manufacturer", "class", "hardware_ids",
+///                     "location", "service", "package": {"inf", "version", "date", "provider"}, "extensions",
+///                     "problem_code"}],
 ///       "registry": [{"key", "value", "text"}]
 ///     }
 ///
-/// Files are relative to the system directory, packages to the inf directory, keys to HKEY_LOCAL_MACHINE. Sizes are in bytes, times
-/// in UTC ("2023-05-06T07:08:09"). "type" is "kernel" or "file system"; "start" is "boot", "system", "automatic", "manual" or
-/// "disabled". A driver without "file_version" has no version resource, a device without "package" no driver.
+/// Texts, names and paths may hold any character.
+///
+/// - "drivers": "file" is below the system directory, or a full path; "size" is in bytes, "created" in UTC
+///   ("2023-05-06T07:08:09"). Without "file_version" it has no version resource.
+/// - "services": "type" is "kernel" or "file system"; "start" is "boot", "system", "automatic", "manual" or "disabled".
+///   An empty "image_path" leaves the service without one.
+/// - "packages": "inf" is below the inf directory. Lines outside ASCII make it a UTF-16 file.
+/// - "devices": without "package" it has no driver; "date" is as Windows keeps it ("5-17-2023"). "extensions" are the
+///   INF files that extend it, "problem_code" is what Windows reports of it.
+/// - "registry": keys are below HKEY_LOCAL_MACHINE.
+///
+/// Every device is present: Wine knows no other. Where a package is in use but no listed device has it, the device is
+/// on another bus than PCI and ACPI.
 #pragma once
 
 #include <string>

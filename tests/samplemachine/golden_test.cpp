@@ -1,29 +1,46 @@
-// The sample machines, listed: the whole way from real devices, services, packages and registry keys to the records.
+// The sample machines, listed: the whole way from real devices, services, packages and registry keys to every document.
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <filesystem>
+#include <fstream>
 #include <nlohmann/json.hpp>
+#include <numeric>
 #include <regex>
 #include <sstream>
 
+#include "commands/options.h"
 #include "driverinfo.h"
-#include "formats.h"
-#include "handles.h"
+#include "formats/formats.h"
+#include "inventory/inventory.h"
 #include "logcapture.h"
-#include "options.h"
+#include "platform/encoding.h"
+#include "platform/handles.h"
 #include "program.h"
-#include "records.h"
 #include "scratchmachine.h"
 
 using Json = nlohmann::ordered_json;
 using Orvane::DriverData;
+using Orvane::Utf8FromWide;
+using Orvane::WideFromUtf8;
 using test::ProgramResult;
 
 namespace {
 
-std::string Expected(const std::string& file) {
-  const std::string path = "expected\\" + file;
-  return test::FileContent(std::wstring(path.begin(), path.end()));
+std::string Named(const std::string& name, const std::string& version) { return name + " " + version; }
+
+/// `text` with what differs from run to run made the same, in forms that the schemas allow.
+std::string WithoutPlace(std::string text) {
+  const std::pair<std::string, std::string> members[] = {{"tool_version", "0.0.0"},
+                                                         {"host", "HOST"},
+                                                         {"host_id", "HOST-ID"},
+                                                         {"windows", "0.0.0"},
+                                                         {"time", "2000-01-01T00:00:00Z"}};
+  for (const auto& [name, value] : members) {
+    const std::regex member("\"" + name + "\":( ?)\"[^\"]*\"");
+    text = std::regex_replace(text, member, "\"" + name + "\":$1\"" + value + "\"");
+  }
+  return std::regex_replace(text, std::regex("(^|\n)(old|new): .*"), "$1$2: -");
 }
 
 class SampleMachine : public test::ScratchMachine {
@@ -38,56 +55,54 @@ class SampleMachine : public test::ScratchMachine {
     if (!IsSkipped()) Call("remove");
   }
 
-  /// What driverlist prints, without the time and the host.
-  std::string Listed(const std::string& mode) const {
-    const ProgramResult result =
-        test::RunProgram("driverlist.exe", L"--format json --mode " + std::wstring(mode.begin(), mode.end()));
-    EXPECT_EQ(result.exitCode, 0u);
-    EXPECT_EQ(result.errors, "");
-    Json json = Json::parse(result.output);
-    json.erase("time");
-    json.erase("host");
-    return json.dump(1) + "\n";
+  std::string Expected(const std::string& extension) const {
+    return test::FileContent(WideFromUtf8("expected\\" + m_machine + "." + extension));
   }
 
-  std::string ExpectedList(const std::string& mode) const { return Expected(m_machine + "." + mode + ".json"); }
-
-  /// The records of the expected file, in short.
-  std::vector<std::string> ExpectedNames(const std::string& mode) const {
-    std::vector<std::string> names;
-    const Json expected = Json::parse(ExpectedList(mode));
-    for (const Json& driver : expected.at("drivers"))
-      names.push_back(Named(driver.at("name"), driver.at("file_version")));
-    return names;
-  }
-
-  std::vector<std::string> List(Orvane::DriverInfoSetType mode) {
-    std::vector<DriverData> drivers;
-    EXPECT_EQ(m_info.list_drivers(drivers, mode), 0);
-    std::vector<std::string> names;
-    for (const DriverData& driver : drivers) names.push_back(Named(driver.name, driver.file_version));
-    return names;
-  }
-
-  /// What driverlist prints, the time and the host given as "TIME" and "HOST".
-  std::string Printed(const std::string& arguments, DWORD exitCode) const {
-    const ProgramResult result = test::RunProgram("driverlist.exe", std::wstring(arguments.begin(), arguments.end()));
+  /// What driverlist prints, on no machine and at no time in particular.
+  static std::string Printed(const std::string& arguments, DWORD exitCode = 0) {
+    const ProgramResult result = test::RunProgram("driverlist.exe", WideFromUtf8(arguments));
     EXPECT_EQ(result.exitCode, exitCode);
     EXPECT_EQ(result.errors, "");
     return WithoutPlace(result.output);
   }
 
   void IsPrintedAsExpected(const std::string& arguments, DWORD exitCode, const std::string& extension) const {
-    EXPECT_EQ(Printed(arguments, exitCode), Expected(m_machine + "." + extension)) << arguments;
+    EXPECT_EQ(Printed(arguments, exitCode), Expected(extension)) << arguments;
+  }
+
+  void IsListedAsExpected(const std::string& format, const std::string& extension) const {
+    IsPrintedAsExpected("list --format " + format, 0, "list." + extension);
+  }
+
+  void LibraryListsAsExpected(const std::string& mode) const {
+    IsPrintedAsExpected("list --format json --mode " + mode, 0, mode + ".json");
+  }
+
+  /// The content of the file that `snapshot` writes.
+  static std::string Snapshot() {
+    const test::TemporaryFolder folder;
+    const std::wstring file = folder.Path(L"snapshot.json");
+    EXPECT_EQ(Printed("snapshot \"" + Utf8FromWide(file) + "\""), "");
+    return WithoutPlace(test::FileContent(file));
   }
 
   /// On a terminal of 80 columns, of which 79 are used.
   void FitsATerminal() const {
-    driverlist::Options options = driverlist::ParseCommandLine({}).options.value();
-    std::vector<DriverData> drivers;
-    Orvane::DriverInfo().list_drivers(drivers, Orvane::All);
-    options.columns.pop_back();
-    EXPECT_EQ(driverlist::FormatTable(drivers, options.columns, 79), Expected(m_machine + ".terminal.txt"));
+    std::vector<inventory::Column> columns = driverlist::ParseCommandLine({}).options.value().columns;
+    columns.erase(std::remove_if(columns.begin(), columns.end(),
+                                 [](const inventory::Column& column) { return column.isForWideTables; }),
+                  columns.end());
+    driverlist::Table table = driverlist::TableOf(inventory::Collect("").records);
+    std::vector<std::size_t> rows(table.rows.size());
+    std::iota(rows.begin(), rows.end(), std::size_t{0});
+    table = driverlist::PartOf(std::move(table), rows, columns);
+    EXPECT_EQ(driverlist::FormatTable(table, {79, false}), Expected("terminal.txt"));
+  }
+
+  void IsExaminedAsExpected() const {
+    IsPrintedAsExpected("health", 1, "health.txt");
+    IsPrintedAsExpected("health --format json", 1, "health.json");
   }
 
   void FirstAndSecondCallsAreAsExpected() {
@@ -107,23 +122,30 @@ class SampleMachine : public test::ScratchMachine {
     List(Orvane::All);
     std::ostringstream lines;
     for (const test::LogLine& line : log.Take()) lines << line.level << " " << line.text << "\n";
-    EXPECT_EQ(lines.str(), Expected(m_machine + ".all.log"));
+    EXPECT_EQ(lines.str(), Expected("all.log"));
   }
 
  private:
-  /// Members "time" and "host", the version of Windows, which Wine makes up, and that of the program.
-  static std::string WithoutPlace(const std::string& text) {
-    static const std::regex members("\"(host|time|windows|tool_version)\":( ?)\"[^\"]*\"");
-    static const std::regex lines("(old|new): .*");
-    return std::regex_replace(std::regex_replace(text, members, "\"$1\":$2\"-\""), lines, "$1: -");
+  std::vector<std::string> List(Orvane::DriverInfoSetType mode) {
+    std::vector<DriverData> drivers;
+    EXPECT_EQ(m_info.list_drivers(drivers, mode), 0);
+    std::vector<std::string> names;
+    for (const DriverData& driver : drivers) names.push_back(Named(driver.name, driver.file_version));
+    return names;
   }
 
-  static std::string Named(const std::string& name, const std::string& version) { return name + " " + version; }
+  /// The records of the expected file, in short.
+  std::vector<std::string> ExpectedNames(const std::string& mode) const {
+    std::vector<std::string> names;
+    const Json expected = Json::parse(Expected(mode + ".json"));
+    for (const Json& driver : expected.at("drivers"))
+      names.push_back(Named(driver.at("name"), driver.at("file_version")));
+    return names;
+  }
 
   void Call(const std::string& command) const {
-    const std::string arguments = command + " " + m_machine + ".json";
     const ProgramResult result =
-        test::RunProgram("samplemachine.exe", std::wstring(arguments.begin(), arguments.end()));
+        test::RunProgram("samplemachine.exe", WideFromUtf8(command + " " + m_machine + ".json"));
     ASSERT_EQ(result.exitCode, 0u) << result.errors;
   }
 
@@ -139,33 +161,58 @@ struct AmdServer : SampleMachine {
   AmdServer() : SampleMachine("amd-server") {}
 };
 
-TEST_F(IntelLaptop, ListsByDevice) { EXPECT_EQ(Listed("by-device"), ExpectedList("by-device")); }
-TEST_F(IntelLaptop, ListsRegistered) { EXPECT_EQ(Listed("registered"), ExpectedList("registered")); }
-TEST_F(IntelLaptop, ListsAll) { EXPECT_EQ(Listed("all"), ExpectedList("all")); }
-TEST_F(IntelLaptop, ListsTheSameFromItsCaches) { FirstAndSecondCallsAreAsExpected(); }
-TEST_F(IntelLaptop, LogsAWholeRequest) { LogOfAWholeRequestIsAsExpected(); }
+struct World : SampleMachine {
+  World() : SampleMachine("world") {}
+};
 
-TEST_F(IntelLaptop, IsListedOneObjectPerLine) {
+TEST_F(IntelLaptop, IsListedByDevice) { LibraryListsAsExpected("by-device"); }
+TEST_F(IntelLaptop, IsListedAsRegistered) { LibraryListsAsExpected("registered"); }
+TEST_F(IntelLaptop, IsListedByTheLibraryAltogether) { LibraryListsAsExpected("all"); }
+TEST_F(IntelLaptop, IsListedByVersion) {
   IsPrintedAsExpected("--mode registered --sort file_version --format jsonl", 0, "registered.jsonl");
 }
-TEST_F(IntelLaptop, IsListedInMarkdown) {
-  IsPrintedAsExpected("--format markdown --columns name,file_version,provider,path", 0, "all.md");
-}
+TEST_F(IntelLaptop, IsTheSameFromTheCachesOfTheLibrary) { FirstAndSecondCallsAreAsExpected(); }
+TEST_F(IntelLaptop, IsLogged) { LogOfAWholeRequestIsAsExpected(); }
+TEST_F(IntelLaptop, IsListedInJson) { IsListedAsExpected("json", "json"); }
+TEST_F(IntelLaptop, IsListedInJsonLines) { IsListedAsExpected("jsonl", "jsonl"); }
+TEST_F(IntelLaptop, IsListedInCsv) { IsListedAsExpected("csv", "csv"); }
+TEST_F(IntelLaptop, IsListedInMarkdown) { IsListedAsExpected("markdown", "md"); }
+TEST_F(IntelLaptop, IsListedInATable) { IsListedAsExpected("table", "txt"); }
 TEST_F(IntelLaptop, IsReadableOnATerminal) { FitsATerminal(); }
-TEST_F(IntelLaptop, IsExamined) {
-  IsPrintedAsExpected("health", 1, "health.txt");
-  IsPrintedAsExpected("health --format json", 1, "health.json");
-}
+TEST_F(IntelLaptop, IsKeptInASnapshot) { EXPECT_EQ(Snapshot(), Expected("snapshot.json")); }
+TEST_F(IntelLaptop, IsExamined) { IsExaminedAsExpected(); }
 
-/// The driver's next version, as an installer would bring it, of 120 KiB.
-void Upgrade(const std::string& path) {
-  test::VersionSettings version;
-  const WORD words[4] = {6, 0, 10001, 0};
-  std::copy(std::begin(words), std::end(words), version.file);
-  version.texts = {{L"CompanyName", L"Tonart Audio"}, {L"FileDescription", L"High definition audio driver"}};
-  test::SetVersionResource(path, test::VersionResourceBytes(version));
-  std::filesystem::resize_file(path, 120 << 10);
+TEST_F(AmdServer, IsListedByDevice) { LibraryListsAsExpected("by-device"); }
+TEST_F(AmdServer, IsListedAsRegistered) { LibraryListsAsExpected("registered"); }
+TEST_F(AmdServer, IsListedByTheLibraryAltogether) { LibraryListsAsExpected("all"); }
+TEST_F(AmdServer, IsListedByVersion) {
+  IsPrintedAsExpected("--mode registered --sort file_version --format jsonl", 0, "registered.jsonl");
 }
+TEST_F(AmdServer, IsTheSameFromTheCachesOfTheLibrary) { FirstAndSecondCallsAreAsExpected(); }
+TEST_F(AmdServer, IsLogged) { LogOfAWholeRequestIsAsExpected(); }
+TEST_F(AmdServer, IsListedInJson) { IsListedAsExpected("json", "json"); }
+TEST_F(AmdServer, IsListedInJsonLines) { IsListedAsExpected("jsonl", "jsonl"); }
+TEST_F(AmdServer, IsListedInCsv) { IsListedAsExpected("csv", "csv"); }
+TEST_F(AmdServer, IsListedInMarkdown) { IsListedAsExpected("markdown", "md"); }
+TEST_F(AmdServer, IsListedInATable) { IsListedAsExpected("table", "txt"); }
+TEST_F(AmdServer, IsReadableOnATerminal) { FitsATerminal(); }
+TEST_F(AmdServer, IsKeptInASnapshot) { EXPECT_EQ(Snapshot(), Expected("snapshot.json")); }
+TEST_F(AmdServer, IsExamined) { IsExaminedAsExpected(); }
+
+TEST_F(World, IsListedByDevice) { LibraryListsAsExpected("by-device"); }
+TEST_F(World, IsListedAsRegistered) { LibraryListsAsExpected("registered"); }
+TEST_F(World, IsListedByTheLibraryAltogether) { LibraryListsAsExpected("all"); }
+TEST_F(World, IsTheSameFromTheCachesOfTheLibrary) { FirstAndSecondCallsAreAsExpected(); }
+TEST_F(World, IsListedInJson) { IsListedAsExpected("json", "json"); }
+TEST_F(World, IsListedInJsonLines) { IsListedAsExpected("jsonl", "jsonl"); }
+TEST_F(World, IsListedInCsv) { IsListedAsExpected("csv", "csv"); }
+TEST_F(World, IsListedInMarkdown) { IsListedAsExpected("markdown", "md"); }
+TEST_F(World, IsListedInATable) { IsListedAsExpected("table", "txt"); }
+TEST_F(World, IsReadableOnATerminal) { FitsATerminal(); }
+TEST_F(World, IsKeptInASnapshot) { EXPECT_EQ(Snapshot(), Expected("snapshot.json")); }
+TEST_F(World, IsExamined) { IsExaminedAsExpected(); }
+
+// --- What changed.
 
 void Stop(const char* service) {
   const Orvane::ServiceHandle manager(OpenSCManagerA(nullptr, nullptr, SC_MANAGER_CONNECT));
@@ -173,6 +220,41 @@ void Stop(const char* service) {
   SERVICE_STATUS status{};
   ASSERT_TRUE(ControlService(opened.get(), SERVICE_CONTROL_STOP, &status));
   while (status.dwCurrentState != SERVICE_STOPPED && QueryServiceStatus(opened.get(), &status)) Sleep(10);
+}
+
+/// Another version of the driver at `path`, as an installer would bring it, of 120 KiB.
+void Upgrade(const std::string& path, const WORD (&fileVersion)[4], const wchar_t* company,
+             const wchar_t* description) {
+  test::VersionSettings version;
+  std::copy(std::begin(fileVersion), std::end(fileVersion), version.file);
+  version.texts = {{L"CompanyName", company}, {L"FileDescription", description}};
+  test::SetVersionResource(path, test::VersionResourceBytes(version));
+  std::filesystem::resize_file(path, 120 << 10);
+}
+
+std::string DriverPath(const std::string& file) { return test::SystemDirectory() + "\\drivers\\" + file; }
+
+/// A newer version of the package oem0.inf: its INF, the device installed from it, and the image of its service.
+void UpgradeNetworkAdapter() {
+  Stop("nlnet");
+  Upgrade(DriverPath("nlnet.sys"), {12, 19, 3, 1}, L"Northlight Networks", L"Northlight Gigabit adapter driver");
+  test::StartDriverService("nlnet");
+
+  const std::string inf = test::InfDirectory() + "\\oem0.inf";
+  const std::string former = test::FileContent(WideFromUtf8(inf));
+  std::ofstream(inf, std::ios::binary) << std::regex_replace(former, std::regex("DriverVer=.*\r"),
+                                                             "DriverVer=02/29/2024,12.19.3.1\r");
+
+  test::DeviceSettings device;
+  device.instanceId = "PCI\\VEN_8086&DEV_15FB&SUBSYS_0A5C1028&REV_20\\3&11583659&0&FE";
+  device.description = "Northlight Gigabit adapter";
+  device.manufacturer = "Northlight Networks";
+  device.className = "Net";
+  device.hardwareIds = {"PCI\\VEN_8086&DEV_15FB&SUBSYS_0A5C1028&REV_20"};
+  device.service = "nlnet";
+  device.package = test::InstalledPackage{"oem0.inf", "12.19.3.1", "2-29-2024"};
+  test::RemoveDevice(device.instanceId);
+  test::CreateDevice(device);
 }
 
 /// Gives a service another start type.
@@ -183,40 +265,21 @@ void Configure(const char* service, DWORD startType) {
                                    nullptr, nullptr, nullptr, nullptr, nullptr));
 }
 
-TEST_F(IntelLaptop, TellsWhatChangedSinceASnapshot) {
+TEST_F(IntelLaptop, DiffersFromASnapshotByWhatChanged) {
   const test::TemporaryFolder folder;
-  std::string snapshot;
-  for (const wchar_t c : folder.Path(L"before.json")) snapshot += static_cast<char>(c);
-  EXPECT_EQ(Printed("snapshot \"" + snapshot + "\"", 0), "");
-  EXPECT_EQ(Printed("diff \"" + snapshot + "\" live", 0), "old: -\nnew: -\n26 the same\n");
+  const std::string snapshot = Utf8FromWide(folder.Path(L"before.json"));
+  EXPECT_EQ(Printed("snapshot \"" + snapshot + "\""), "");
 
   Stop("TonartAudio");
-  Upgrade(test::SystemDirectory() + "\\drivers\\smpaud.sys");
-  Configure("nlnet", SERVICE_AUTO_START);
+  Upgrade(DriverPath("smpaud.sys"), {6, 0, 10001, 0}, L"Tonart Audio", L"High definition audio driver");
+  UpgradeNetworkAdapter();
+  Configure("mdbeep", SERVICE_AUTO_START);
   test::RemoveDevice("PCI\\VEN_8086&DEV_7E4C&SUBSYS_0A5C1028&REV_20\\3&11583659&0&2D");
-  test::SetRegistryValue("SOFTWARE\\Intel\\InfInst", "Version", REG_SZ, "10.1.18000.1");
-  const test::ScratchFile image(test::SystemDirectory() + "\\drivers\\smpnew.sys", L"images\\full.sys");
+  test::SetRegistryText("SOFTWARE\\Intel\\InfInst", "Version", "10.1.18000.1");
+  const test::ScratchFile image(DriverPath("smpnew.sys"), L"images\\full.sys");
   const test::DriverService added("smpnew", "\\SystemRoot\\System32\\drivers\\smpnew.sys");
   IsPrintedAsExpected("diff \"" + snapshot + "\" live", 1, "diff.txt");
   IsPrintedAsExpected("diff \"" + snapshot + "\" live --format json", 1, "diff.json");
-}
-
-TEST_F(AmdServer, ListsByDevice) { EXPECT_EQ(Listed("by-device"), ExpectedList("by-device")); }
-TEST_F(AmdServer, ListsRegistered) { EXPECT_EQ(Listed("registered"), ExpectedList("registered")); }
-TEST_F(AmdServer, ListsAll) { EXPECT_EQ(Listed("all"), ExpectedList("all")); }
-TEST_F(AmdServer, ListsTheSameFromItsCaches) { FirstAndSecondCallsAreAsExpected(); }
-TEST_F(AmdServer, LogsAWholeRequest) { LogOfAWholeRequestIsAsExpected(); }
-
-TEST_F(AmdServer, IsListedOneObjectPerLine) {
-  IsPrintedAsExpected("--mode registered --sort file_version --format jsonl", 0, "registered.jsonl");
-}
-TEST_F(AmdServer, IsListedInMarkdown) {
-  IsPrintedAsExpected("--format markdown --columns name,file_version,provider,path", 0, "all.md");
-}
-TEST_F(AmdServer, IsReadableOnATerminal) { FitsATerminal(); }
-TEST_F(AmdServer, IsExamined) {
-  IsPrintedAsExpected("health", 1, "health.txt");
-  IsPrintedAsExpected("health --format json", 1, "health.json");
 }
 
 }  // namespace

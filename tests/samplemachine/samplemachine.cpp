@@ -1,38 +1,58 @@
 #include "samplemachine.h"
 
+#include <algorithm>
+#include <filesystem>
 #include <fstream>
 #include <stdexcept>
 
 #include "machine.h"
+#include "platform/encoding.h"
 
 namespace samplemachine {
 namespace {
 
+using Orvane::Utf8FromWide;
+using Orvane::WideFromUtf8;
+
 constexpr char Services[] = "System\\CurrentControlSet\\Services";
 constexpr char Enumerators[] = "System\\CurrentControlSet\\Enum\\";
 
-std::string DriverPath(const Driver& driver) { return test::SystemDirectory() + "\\" + driver.file; }
+std::string DriverPath(const Driver& driver) {
+  const bool isFullPath = driver.file.find(':') != std::string::npos;
+  return isFullPath ? driver.file : test::SystemDirectory() + "\\" + driver.file;
+}
 
 std::string PackagePath(const Package& package) { return test::InfDirectory() + "\\" + package.inf; }
 
 bool IsDriverService(const std::string& name) {
   DWORD type = 0;
   DWORD size = sizeof(type);
-  return RegGetValueA(HKEY_LOCAL_MACHINE, (std::string(Services) + "\\" + name).c_str(), "Type", RRF_RT_REG_DWORD,
-                      nullptr, &type, &size) == ERROR_SUCCESS &&
+  return RegGetValueW(HKEY_LOCAL_MACHINE, WideFromUtf8(std::string(Services) + "\\" + name).c_str(), L"Type",
+                      RRF_RT_REG_DWORD, nullptr, &type, &size) == ERROR_SUCCESS &&
          (type & SERVICE_DRIVER) != 0;
 }
 
 std::vector<std::string> FilesLike(const std::string& pattern) {
   std::vector<std::string> names;
-  WIN32_FIND_DATAA file;
-  const HANDLE found = FindFirstFileA(pattern.c_str(), &file);
+  WIN32_FIND_DATAW file;
+  const HANDLE found = FindFirstFileW(WideFromUtf8(pattern).c_str(), &file);
   if (found == INVALID_HANDLE_VALUE) return names;
   do {
-    names.emplace_back(file.cFileName);
-  } while (FindNextFileA(found, &file));
+    names.push_back(Utf8FromWide(file.cFileName));
+  } while (FindNextFileW(found, &file));
   FindClose(found);
   return names;
+}
+
+void DeleteExistingFile(const std::string& path) { DeleteFileW(WideFromUtf8(path).c_str()); }
+
+/// With the folders above it that are empty then.
+void DeleteDriver(const std::string& path) {
+  DeleteExistingFile(path);
+  std::string folder = path;
+  do {
+    folder.resize(folder.rfind('\\'));
+  } while (RemoveDirectoryW(WideFromUtf8(folder).c_str()));
 }
 
 void MakeDriver(const Driver& driver) {
@@ -41,7 +61,7 @@ void MakeDriver(const Driver& driver) {
   if (driver.hasVersion) test::SetVersionResource(path, test::VersionResourceBytes(driver.version));
   {
     // What follows the image proper is no concern of the loader.
-    std::ofstream file(path, std::ios::binary | std::ios::in | std::ios::out | std::ios::ate);
+    std::ofstream file(std::filesystem::u8path(path), std::ios::binary | std::ios::in | std::ios::out | std::ios::ate);
     const auto size = static_cast<unsigned long>(file.tellp());
     if (size < driver.size) file << std::string(driver.size - size, '\0');
     if (!file) throw std::runtime_error(path + " cannot be written.");
@@ -49,9 +69,18 @@ void MakeDriver(const Driver& driver) {
   test::SetFileCreationTime(path, driver.created);
 }
 
+/// `text` as INF files hold it: other characters than ASCII in UTF-16, behind a mark that says so.
+std::string InfBytes(const std::string& text) {
+  if (std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; })) return text;
+  const std::wstring wide = L'\xFEFF' + WideFromUtf8(text);
+  return std::string(reinterpret_cast<const char*>(wide.data()), wide.size() * sizeof(wchar_t));
+}
+
 void MakePackage(const Package& package) {
-  std::ofstream file(PackagePath(package), std::ios::binary);
-  for (const std::string& line : package.lines) file << line << "\r\n";
+  std::string text;
+  for (const std::string& line : package.lines) text += line + "\r\n";
+  std::ofstream file(std::filesystem::u8path(PackagePath(package)), std::ios::binary);
+  file << InfBytes(text);
   file.close();
   if (!file) throw std::runtime_error(PackagePath(package) + " cannot be written.");
 }
@@ -62,9 +91,11 @@ void Clear() {
   for (const std::string& name : test::RegistrySubkeys(Services)) {
     if (IsDriverService(name)) test::DeleteRegistryKey(std::string(Services) + "\\" + name);
   }
-  for (const char* const enumerator : {"PCI", "ACPI"}) test::DeleteRegistryKey(std::string(Enumerators) + enumerator);
+  for (const char* const enumerator : {"ACPI", "HID", "PCI", "ROOT", "USB", "WINEBUS"}) {
+    test::DeleteRegistryKey(std::string(Enumerators) + enumerator);
+  }
   for (const std::string& name : FilesLike(test::InfDirectory() + "\\oem*.inf")) {
-    DeleteFileA((test::InfDirectory() + "\\" + name).c_str());
+    DeleteExistingFile(test::InfDirectory() + "\\" + name);
   }
   for (const char* const key : {"SOFTWARE\\Intel", "SOFTWARE\\WOW6432Node\\AMD"}) test::DeleteRegistryKey(key);
 }
@@ -77,7 +108,7 @@ void Make(const Description& description) {
   for (const Package& package : description.packages) MakePackage(package);
   for (const test::DeviceSettings& device : description.devices) test::CreateDevice(device);
   for (const RegistryText& text : description.registry) {
-    test::SetRegistryValue(text.key, text.value, REG_SZ, text.text + '\0');
+    test::SetRegistryText(text.key, text.value, text.text);
   }
   Start(description);
 }
@@ -91,9 +122,9 @@ void Start(const Description& description) {
 void Remove(const Description& description) {
   for (const RegistryText& text : description.registry) test::DeleteRegistryKey(text.key);
   for (const test::DeviceSettings& device : description.devices) test::RemoveDevice(device.instanceId);
-  for (const Package& package : description.packages) DeleteFileA(PackagePath(package).c_str());
+  for (const Package& package : description.packages) DeleteExistingFile(PackagePath(package));
   for (const Service& service : description.services) test::DeleteDriverService(service.name);
-  for (const Driver& driver : description.drivers) DeleteFileA(DriverPath(driver).c_str());
+  for (const Driver& driver : description.drivers) DeleteDriver(DriverPath(driver));
 }
 
 }  // namespace samplemachine

@@ -1,13 +1,14 @@
 /// @file
-/// Turns a Wine prefix into the machine of a description, by the calls that set up a real one. All throw std::runtime_error.
+/// Turns a Wine prefix into the machine of a description, by the calls that set up a real one. All throw
+/// std::runtime_error.
 #pragma once
 
 #include "description.h"
 
 namespace samplemachine {
 
-/// Takes away what makes machines differ: driver services (from the next start of the Wine server on), PCI and platform devices, OEM
-/// packages, chipset packages.
+/// Takes away what makes machines differ: driver services (from the next start of the Wine server on), devices, OEM
+/// packages, chipset packages. Of Wine's own devices, the display adapter and its monitor come back.
 void Clear();
 
 /// Makes everything that the description lists, and starts the drivers that run.

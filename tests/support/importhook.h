@@ -11,8 +11,8 @@
 
 namespace test {
 
-/// The slot of the import directory through which `module` calls `function`. Throws std::runtime_error, which fails the test,
-/// when the module does not import it: a hook that never comes to bear would show nothing.
+/// The slot of the import directory through which `module` calls `function`. Throws std::runtime_error, which fails the
+/// test, when the module does not import it: a hook that never comes to bear would show nothing.
 void** ImportSlot(HMODULE module, const char* function);
 
 /// The program that runs, as a module whose imports can be hooked.
@@ -24,8 +24,8 @@ std::vector<std::string> ImportedFunctions(HMODULE module, const char* dll);
 /// Puts `value` into an import slot and returns what stood there.
 void* ReplaceSlot(void** slot, void* value);
 
-/// How many handlers are running; what they call of the platform is no part of them. In a handler that was called by the
-/// program, not by another handler, it is 1.
+/// How many handlers are running; what they call of the platform is no part of them. In a handler that was called by
+/// the program, not by another handler, it is 1.
 inline int runningHandlers = 0;
 
 /// Changes that number for its scope.
@@ -43,8 +43,8 @@ class HandlerScope {
 template <auto Function>
 class ImportHook;
 
-/// While it lives, calls of `Function` by one module go to `handler`; Real() still reaches the platform. Hooks of one function
-/// nest. Call it by HOOK, which knows the name.
+/// While it lives, calls of `Function` by one module go to `handler`; Real() still reaches the platform. Hooks of one
+/// function nest. Call it by HOOK, which knows the name.
 template <typename Result, typename... Arguments, Result (*Function)(Arguments...)>
 class ImportHook<Function> {
  public:

@@ -1,6 +1,9 @@
 #include "machine.h"
 
 // After windows.h.
+#include <initguid.h>
+// Its keys are defined here, because of the header before.
+#include <devpkey.h>
 #include <setupapi.h>
 
 #include <algorithm>
@@ -8,7 +11,8 @@
 #include <cwchar>
 #include <stdexcept>
 
-#include "handles.h"
+#include "platform/encoding.h"
+#include "platform/handles.h"
 
 namespace test {
 namespace {
@@ -16,6 +20,8 @@ namespace {
 using Orvane::RegKey;
 using Orvane::ServiceHandle;
 using Orvane::UniqueHandle;
+using Orvane::Utf8FromWide;
+using Orvane::WideFromUtf8;
 using DeviceSet = UniqueHandle<HDEVINFO, &SetupDiDestroyDeviceInfoList>;
 using FileHandle = UniqueHandle<HANDLE, &CloseHandle>;
 
@@ -33,20 +39,21 @@ void RequireStatus(LSTATUS status, const std::string& what) {
 
 RegKey OpenKey(const std::string& path, REGSAM access) {
   HKEY key = nullptr;
-  RegOpenKeyExA(HKEY_LOCAL_MACHINE, path.c_str(), 0, access, &key);
+  RegOpenKeyExW(HKEY_LOCAL_MACHINE, WideFromUtf8(path).c_str(), 0, access, &key);
   return RegKey(key);
 }
 
 std::pair<RegKey, bool> MakeKey(const std::string& path) {
   HKEY key = nullptr;
   DWORD disposition = 0;
-  RequireStatus(RegCreateKeyExA(HKEY_LOCAL_MACHINE, path.c_str(), 0, nullptr, 0, Access, nullptr, &key, &disposition),
+  RequireStatus(RegCreateKeyExW(HKEY_LOCAL_MACHINE, WideFromUtf8(path).c_str(), 0, nullptr, 0, Access, nullptr, &key,
+                                &disposition),
                 "creating the key " + path);
   return {RegKey(key), disposition == REG_CREATED_NEW_KEY};
 }
 
 ServiceHandle OpenManager(DWORD access) {
-  ServiceHandle manager(OpenSCManagerA(nullptr, nullptr, access));
+  ServiceHandle manager(OpenSCManagerW(nullptr, nullptr, access));
   Require(static_cast<bool>(manager), "opening the service control manager");
   return manager;
 }
@@ -64,20 +71,70 @@ GUID ClassGuid(const std::string& name) {
   return GUID{};
 }
 
-void SetProperty(HDEVINFO set, SP_DEVINFO_DATA& device, DWORD property, const std::string& value) {
+const BYTE* Bytes(const std::wstring& text) { return reinterpret_cast<const BYTE*>(text.c_str()); }
+
+/// Of all of `text`, and the zero behind it.
+DWORD Size(const std::wstring& text) { return static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t)); }
+
+/// Each text with a zero behind it.
+std::wstring Joined(const std::vector<std::string>& texts) {
+  std::wstring joined;
+  for (const std::string& text : texts) joined += WideFromUtf8(text) + L'\0';
+  return joined;
+}
+
+void SetProperty(HDEVINFO set, SP_DEVINFO_DATA& device, DWORD property, const std::wstring& value) {
   if (value.empty()) return;
-  Require(SetupDiSetDeviceRegistryPropertyA(set, &device, property, reinterpret_cast<const BYTE*>(value.c_str()),
-                                            static_cast<DWORD>(value.size() + 1)),
+  Require(SetupDiSetDeviceRegistryPropertyW(set, &device, property, Bytes(value), Size(value)),
           "setting a property of a device");
 }
 
-void SetText(const RegKey& key, const char* name, const std::string& value) {
-  RequireStatus(RegSetValueExA(key.get(), name, 0, REG_SZ, reinterpret_cast<const BYTE*>(value.c_str()),
-                               static_cast<DWORD>(value.size() + 1)),
-                std::string("setting the value ") + name);
+void SetProperty(HDEVINFO set, SP_DEVINFO_DATA& device, DWORD property, const std::string& value) {
+  SetProperty(set, device, property, WideFromUtf8(value));
 }
 
-/// One block of a version resource: length, length of the value, type, key, value, children, each aligned to four bytes.
+void SetNamedProperty(HDEVINFO set, SP_DEVINFO_DATA& device, const DEVPROPKEY& property, DEVPROPTYPE type,
+                      const BYTE* value, DWORD size) {
+  // Not every header declares it.
+  const auto setProperty = reinterpret_cast<BOOL(WINAPI*)(HDEVINFO, SP_DEVINFO_DATA*, const DEVPROPKEY*, DEVPROPTYPE,
+                                                          const BYTE*, DWORD, DWORD)>(
+      reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"setupapi.dll"), "SetupDiSetDevicePropertyW")));
+  Require(setProperty != nullptr && setProperty(set, &device, &property, type, value, size, 0),
+          "setting a named property of a device");
+}
+
+/// What Windows itself finds out about a device while it drives it.
+void SetFindings(HDEVINFO set, SP_DEVINFO_DATA& device, const DeviceSettings& settings) {
+  if (settings.problemCode) {
+    SetNamedProperty(set, device, DEVPKEY_Device_ProblemCode, DEVPROP_TYPE_UINT32,
+                     reinterpret_cast<const BYTE*>(&*settings.problemCode), sizeof(*settings.problemCode));
+  }
+  if (settings.extensions.empty()) return;
+  std::vector<std::string> extensions;
+  for (const std::string& inf : settings.extensions) extensions.push_back(inf + ":" + settings.instanceId);
+  const std::wstring value = Joined(extensions);
+  SetNamedProperty(set, device, DEVPKEY_Device_ExtendedConfigurationIds, DEVPROP_TYPE_STRING_LIST, Bytes(value),
+                   Size(value));
+}
+
+void SetText(const RegKey& key, const std::wstring& name, const std::string& value) {
+  const std::wstring wide = WideFromUtf8(value);
+  RequireStatus(RegSetValueExW(key.get(), name.c_str(), 0, REG_SZ, Bytes(wide), Size(wide)),
+                "setting the value " + Utf8FromWide(name));
+}
+
+void InstallPackage(HDEVINFO set, SP_DEVINFO_DATA& device, const DeviceSettings& settings) {
+  const RegKey driver(SetupDiCreateDevRegKeyW(set, &device, DICS_FLAG_GLOBAL, 0, DIREG_DRV, nullptr, nullptr));
+  Require(static_cast<bool>(driver), "creating the driver key of " + settings.instanceId);
+  SetText(driver, L"InfPath", settings.package->inf);
+  SetText(driver, L"DriverVersion", settings.package->version);
+  SetText(driver, L"DriverDate", settings.package->date);
+  SetText(driver, L"DriverDesc", settings.description);
+  if (!settings.package->provider.empty()) SetText(driver, L"ProviderName", settings.package->provider);
+}
+
+/// One block of a version resource: length, length of the value, type, key, value, children, each aligned to four
+/// bytes.
 class VersionBlock {
  public:
   VersionBlock(const std::wstring& key, bool isText) {
@@ -171,23 +228,29 @@ bool SetRegistryValue(const std::string& key, const std::string& name, DWORD typ
   return isNew;
 }
 
+bool SetRegistryText(const std::string& key, const std::string& name, const std::string& text) {
+  const auto [handle, isNew] = MakeKey(key);
+  SetText(handle, WideFromUtf8(name), text);
+  return isNew;
+}
+
 void DeleteRegistryValue(const std::string& key, const std::string& name) {
-  if (const RegKey opened = OpenKey(key, Access)) RegDeleteValueA(opened.get(), name.c_str());
+  if (const RegKey opened = OpenKey(key, Access)) RegDeleteValueW(opened.get(), WideFromUtf8(name).c_str());
 }
 
 void DeleteRegistryKey(const std::string& key) {
   if (const RegKey opened = OpenKey(key, Access | DELETE)) {
-    RegDeleteTreeA(opened.get(), nullptr);
-    RegDeleteKeyExA(HKEY_LOCAL_MACHINE, key.c_str(), KEY_WOW64_64KEY, 0);
+    RegDeleteTreeW(opened.get(), nullptr);
+    RegDeleteKeyExW(HKEY_LOCAL_MACHINE, WideFromUtf8(key).c_str(), KEY_WOW64_64KEY, 0);
   }
 }
 
 std::vector<std::string> RegistrySubkeys(const std::string& key) {
   std::vector<std::string> names;
   const RegKey opened = OpenKey(key, Access);
-  char name[512];
-  while (opened && RegEnumKeyA(opened.get(), static_cast<DWORD>(names.size()), name, sizeof(name)) == ERROR_SUCCESS) {
-    names.emplace_back(name);
+  wchar_t name[512];
+  while (opened && RegEnumKeyW(opened.get(), static_cast<DWORD>(names.size()), name, 512) == ERROR_SUCCESS) {
+    names.push_back(Utf8FromWide(name));
   }
   return names;
 }
@@ -197,13 +260,13 @@ std::string ServiceKey(const std::string& name) { return "System\\CurrentControl
 void CreateDriverService(const std::string& name, const std::string& imagePath, DWORD startType, DWORD serviceType) {
   const ServiceHandle manager = OpenManager(SC_MANAGER_CREATE_SERVICE);
   // A service cannot be created without a path, but left without one.
-  const ServiceHandle service(CreateServiceA(manager.get(), name.c_str(), ("Display name of " + name).c_str(),
-                                             SERVICE_CHANGE_CONFIG, serviceType, startType, SERVICE_ERROR_NORMAL,
-                                             imagePath.empty() ? "none" : imagePath.c_str(), nullptr, nullptr, nullptr,
-                                             nullptr, nullptr));
+  const std::wstring path = imagePath.empty() ? L"none" : WideFromUtf8(imagePath);
+  const ServiceHandle service(CreateServiceW(
+      manager.get(), WideFromUtf8(name).c_str(), WideFromUtf8("Display name of " + name).c_str(), SERVICE_CHANGE_CONFIG,
+      serviceType, startType, SERVICE_ERROR_NORMAL, path.c_str(), nullptr, nullptr, nullptr, nullptr, nullptr));
   Require(static_cast<bool>(service), "creating the service " + name);
   if (!imagePath.empty()) return;
-  Require(ChangeServiceConfigA(service.get(), SERVICE_NO_CHANGE, SERVICE_NO_CHANGE, SERVICE_NO_CHANGE, "", nullptr,
+  Require(ChangeServiceConfigW(service.get(), SERVICE_NO_CHANGE, SERVICE_NO_CHANGE, SERVICE_NO_CHANGE, L"", nullptr,
                                nullptr, nullptr, nullptr, nullptr, nullptr),
           "taking away the path of " + name);
   DeleteRegistryValue(ServiceKey(name), "ImagePath");
@@ -211,14 +274,14 @@ void CreateDriverService(const std::string& name, const std::string& imagePath, 
 
 void StartDriverService(const std::string& name) {
   const ServiceHandle manager = OpenManager(SC_MANAGER_CONNECT);
-  const ServiceHandle service(OpenServiceA(manager.get(), name.c_str(), SERVICE_START));
-  Require(service && (StartServiceA(service.get(), 0, nullptr) || GetLastError() == ERROR_SERVICE_ALREADY_RUNNING),
+  const ServiceHandle service(OpenServiceW(manager.get(), WideFromUtf8(name).c_str(), SERVICE_START));
+  Require(service && (StartServiceW(service.get(), 0, nullptr) || GetLastError() == ERROR_SERVICE_ALREADY_RUNNING),
           "starting the service " + name);
 }
 
 void DeleteDriverService(const std::string& name) {
   const ServiceHandle manager = OpenManager(SC_MANAGER_CONNECT);
-  if (const ServiceHandle service{OpenServiceA(manager.get(), name.c_str(), SERVICE_STOP | DELETE)}) {
+  if (const ServiceHandle service{OpenServiceW(manager.get(), WideFromUtf8(name).c_str(), SERVICE_STOP | DELETE)}) {
     SERVICE_STATUS status;
     ControlService(service.get(), SERVICE_CONTROL_STOP, &status);
     DeleteService(service.get());
@@ -232,8 +295,8 @@ void CreateDevice(const DeviceSettings& settings) {
   const GUID classGuid = ClassGuid(settings.className);
   SP_DEVINFO_DATA device{};
   device.cbSize = sizeof(device);
-  Require(SetupDiCreateDeviceInfoA(set.get(), settings.instanceId.c_str(), &classGuid, settings.description.c_str(),
-                                   nullptr, 0, &device) &&
+  Require(SetupDiCreateDeviceInfoW(set.get(), WideFromUtf8(settings.instanceId).c_str(), &classGuid,
+                                   WideFromUtf8(settings.description).c_str(), nullptr, 0, &device) &&
               SetupDiRegisterDeviceInfo(set.get(), &device, 0, nullptr, nullptr, nullptr),
           "creating the device " + settings.instanceId);
   SetProperty(set.get(), device, SPDRP_MFG, settings.manufacturer);
@@ -241,23 +304,16 @@ void CreateDevice(const DeviceSettings& settings) {
   SetProperty(set.get(), device, SPDRP_LOCATION_INFORMATION, settings.location);
   SetProperty(set.get(), device, SPDRP_SERVICE, settings.service);
   SetProperty(set.get(), device, SPDRP_FRIENDLYNAME, settings.friendlyName);
-  std::string hardwareIds;
-  for (const std::string& id : settings.hardwareIds) hardwareIds += id + '\0';
-  SetProperty(set.get(), device, SPDRP_HARDWAREID, hardwareIds);
-  if (!settings.package) return;
-  const RegKey driver(SetupDiCreateDevRegKeyA(set.get(), &device, DICS_FLAG_GLOBAL, 0, DIREG_DRV, nullptr, nullptr));
-  Require(static_cast<bool>(driver), "creating the driver key of " + settings.instanceId);
-  SetText(driver, "InfPath", settings.package->inf);
-  SetText(driver, "DriverVersion", settings.package->version);
-  SetText(driver, "DriverDate", settings.package->date);
-  SetText(driver, "DriverDesc", settings.description);
+  SetProperty(set.get(), device, SPDRP_HARDWAREID, Joined(settings.hardwareIds));
+  SetFindings(set.get(), device, settings);
+  if (settings.package) InstallPackage(set.get(), device, settings);
 }
 
 void RemoveDevice(const std::string& instanceId) {
   const DeviceSet set(SetupDiCreateDeviceInfoList(nullptr, nullptr));
   SP_DEVINFO_DATA device{};
   device.cbSize = sizeof(device);
-  if (!set || !SetupDiOpenDeviceInfoA(set.get(), instanceId.c_str(), nullptr, 0, &device)) return;
+  if (!set || !SetupDiOpenDeviceInfoW(set.get(), WideFromUtf8(instanceId).c_str(), nullptr, 0, &device)) return;
   SetupDiDeleteDevRegKey(set.get(), &device, DICS_FLAG_GLOBAL, 0, DIREG_DRV);
   SetupDiRemoveDevice(set.get(), &device);
   if (IsWine()) DeleteRegistryKey(EnumKey + instanceId);
@@ -267,22 +323,22 @@ std::string MakeFoldersFor(const std::string& path) {
   std::string first;
   for (std::size_t end = path.find('\\', 3); end != std::string::npos; end = path.find('\\', end + 1)) {
     const std::string folder = path.substr(0, end);
-    if (CreateDirectoryA(folder.c_str(), nullptr) && first.empty()) first = folder;
+    if (CreateDirectoryW(WideFromUtf8(folder).c_str(), nullptr) && first.empty()) first = folder;
   }
   return first;
 }
 
 std::string CopyImage(const std::wstring& image, const std::string& path) {
   const std::string firstFolder = MakeFoldersFor(path);
-  const std::wstring target(path.begin(), path.end());
-  Require(CopyFileW((ProgramDirectory() + L"\\" + image).c_str(), target.c_str(), FALSE),
+  Require(CopyFileW((ProgramDirectory() + L"\\" + image).c_str(), WideFromUtf8(path).c_str(), FALSE),
           "copying an image to " + path);
   return firstFolder;
 }
 
 void SetFileCreationTime(const std::string& path, const SYSTEMTIME& utc) {
   FILETIME fileTime;
-  const FileHandle file(CreateFileA(path.c_str(), FILE_WRITE_ATTRIBUTES, 0, nullptr, OPEN_EXISTING, 0, nullptr));
+  const FileHandle file(
+      CreateFileW(WideFromUtf8(path).c_str(), FILE_WRITE_ATTRIBUTES, 0, nullptr, OPEN_EXISTING, 0, nullptr));
   Require(file && SystemTimeToFileTime(&utc, &fileTime) && SetFileTime(file.get(), &fileTime, nullptr, &fileTime),
           "setting the time of " + path);
 }
@@ -318,13 +374,13 @@ std::vector<char> VersionResourceBytes(const VersionSettings& settings) {
 }
 
 void SetVersionResource(const std::string& path, const std::vector<char>& bytes) {
-  const HANDLE update = BeginUpdateResourceA(path.c_str(), FALSE);
+  const HANDLE update = BeginUpdateResourceW(WideFromUtf8(path).c_str(), FALSE);
   Require(update != nullptr, "opening the resources of " + path);
   // The resource type and name of a version resource, RT_VERSION and 1.
   Require(
-      UpdateResourceA(update, MAKEINTRESOURCEA(16), MAKEINTRESOURCEA(1), MAKELANGID(LANG_ENGLISH, SUBLANG_ENGLISH_US),
+      UpdateResourceW(update, MAKEINTRESOURCEW(16), MAKEINTRESOURCEW(1), MAKELANGID(LANG_ENGLISH, SUBLANG_ENGLISH_US),
                       const_cast<char*>(bytes.data()), static_cast<DWORD>(bytes.size())) &&
-          EndUpdateResourceA(update, FALSE),
+          EndUpdateResourceW(update, FALSE),
       "writing the version resource of " + path);
 }
 

@@ -1,6 +1,7 @@
 /// @file
-/// What a machine is made of: driver services, registry values, devices, driver images. Every function asks Windows for it and
-/// throws std::runtime_error when Windows refuses.
+/// What a machine is made of: driver services, registry values, devices, driver images. Every function asks Windows
+/// for it and throws std::runtime_error when Windows refuses. Texts are UTF-8 and reach Windows whole, whatever its
+/// code page is.
 #pragma once
 
 #include <windows.h>
@@ -24,7 +25,8 @@ std::string InfDirectory();
 /// The folder of this program, which also holds the driver images that the build makes.
 std::wstring ProgramDirectory();
 
-/// The path of `file` in the program's folder, in the ANSI code page whatever the folder is called: by short names where needed.
+/// The path of `file` in the program's folder, in the ANSI code page whatever the folder is called: by short names
+/// where needed.
 std::string ProgramFile(const std::wstring& file);
 
 /// Whether this machine was made to be changed: a private Wine prefix of this project.
@@ -34,8 +36,10 @@ bool IsPrivateMachine();
 
 /// True when the key did not exist before.
 bool MakeRegistryKey(const std::string& key);
-/// True when the key did not exist before.
+/// True when the key did not exist before. The bytes of a text are in the ANSI code page, and may lack their end.
 bool SetRegistryValue(const std::string& key, const std::string& name, DWORD type, const std::string& bytes);
+/// Sets a value of type REG_SZ. True when the key did not exist before.
+bool SetRegistryText(const std::string& key, const std::string& name, const std::string& text);
 void DeleteRegistryValue(const std::string& key, const std::string& name);
 /// With all that is below it.
 void DeleteRegistryKey(const std::string& key);
@@ -57,7 +61,9 @@ void DeleteDriverService(const std::string& name);
 struct InstalledPackage {
   std::string inf;
   std::string version;
+  /// "5-17-2023".
   std::string date;
+  std::string provider = {};
 };
 
 struct DeviceSettings {
@@ -71,6 +77,10 @@ struct DeviceSettings {
   std::string service;
   std::string friendlyName;
   std::optional<InstalledPackage> package;
+  /// INF files of the packages that extend it.
+  std::vector<std::string> extensions;
+  /// Problem that Windows reports for it, such as 28.
+  std::optional<DWORD> problemCode;
 };
 
 void CreateDevice(const DeviceSettings& settings);

@@ -15,8 +15,8 @@ struct ProgramResult {
   std::string errors;
 };
 
-/// Runs `program`, which stands beside the test program, with `arguments` as they would be typed behind its name. Its standard
-/// output goes to `output` when that is given, which stays open.
+/// Runs `program`, which stands beside the test program, with `arguments` as they would be typed behind its name. Its
+/// standard output goes to `output` when that is given, which stays open.
 ProgramResult RunProgram(const std::string& program, const std::wstring& arguments, HANDLE output = nullptr);
 
 /// The content of a file; fails the test when it cannot be read.

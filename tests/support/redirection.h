@@ -12,8 +12,8 @@
 
 namespace test {
 
-/// While it lives, `module` finds functions that switch redirection off and on, and records what it does with them. One at a
-/// time.
+/// While it lives, `module` finds functions that switch redirection off and on, and records what it does with them. One
+/// at a time.
 class Redirection {
  public:
   /// `disableResult` is what the function that switches it off returns.

@@ -13,8 +13,8 @@
 
 namespace test {
 
-/// Whether tests may change this machine: a private Wine prefix, or any machine whose user says so by setting the environment
-/// variable DRIVERINFO_TESTS_MAY_CHANGE_THIS_MACHINE. What is there already they leave alone.
+/// Whether tests may change this machine: a private Wine prefix, or any machine whose user says so by setting the
+/// environment variable DRIVERINFO_TESTS_MAY_CHANGE_THIS_MACHINE. What is there already they leave alone.
 bool MayChangeThisMachine();
 
 /// Skips its tests, saying so, on a machine that is not to be changed.
