@@ -40,8 +40,8 @@ Records ListOemPackages() {
   const HANDLE handle = CreateFileW(std::wstring(folder.begin(), folder.end()).c_str(), FILE_LIST_DIRECTORY,
                                     FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING,
                                     FILE_FLAG_BACKUP_SEMANTICS, nullptr);
-  // As Boost.Filesystem walks a folder: is it a link; entries in the newest form, which Wine does not have; entries in the full
-  // form.
+  // As Boost.Filesystem walks a folder: is it a link; entries in the newest form, which Wine does not have; entries in
+  // the full form.
   FILE_ATTRIBUTE_TAG_INFO tag;
   GetFileInformationByHandleEx(handle, FileAttributeTagInfo, &tag, sizeof(tag));
   constexpr auto newestForm = static_cast<FILE_INFO_BY_HANDLE_CLASS>(20);

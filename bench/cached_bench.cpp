@@ -8,7 +8,8 @@ namespace {
 
 using Drivers = std::vector<Orvane::DriverData>;
 
-/// Seconds of one of so many calls of `act`, each with a vector of its own. Making and destroying the vectors does not count.
+/// Seconds of one of so many calls of `act`, each with a vector of its own. Making and destroying the vectors does not
+/// count.
 template <typename Act>
 double SecondsEach(Act act) {
   constexpr std::size_t calls = 100;

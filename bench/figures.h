@@ -30,8 +30,8 @@ struct Comparison {
   Measurement measured;
 };
 
-/// A figure that is the median of the ratios of pairs of measurements, after one pair that does not count. Who of a pair comes
-/// first changes from pair to pair.
+/// A figure that is the median of the ratios of pairs of measurements, after one pair that does not count. Who of a
+/// pair comes first changes from pair to pair.
 void AddComparison(Comparison comparison);
 
 /// A figure that is the median of several measurements, shown in `unit` as in a Comparison, for information.
@@ -50,9 +50,9 @@ double Seconds(Act act) {
   return static_cast<double>(end.QuadPart - begin.QuadPart) / static_cast<double>(frequency.QuadPart);
 }
 
-/// main() of a program: calls `addFigures`, then takes the measurements that the command line asks for (--rounds=N, 15 when it
-/// says nothing, at least 7, and Google Benchmark's own options) and prints the figures. An exception of a measurement ends the
-/// program with its sentence, without that figure.
+/// main() of a program: calls `addFigures`, then takes the measurements that the command line asks for (--rounds=N, 15
+/// when it says nothing, at least 7, and Google Benchmark's own options) and prints the figures. An exception of a
+/// measurement ends the program with its sentence, without that figure.
 int Main(int argc, char** argv, const std::function<void()>& addFigures);
 
 }  // namespace bench

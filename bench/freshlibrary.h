@@ -10,8 +10,8 @@
 
 namespace bench {
 
-/// driverinfo.dll, loaded while this lives, with empty caches at the beginning. One at a time, in a program that does not import
-/// the library itself. All throw std::runtime_error when a module cannot be loaded or does not leave.
+/// driverinfo.dll, loaded while this lives, with empty caches at the beginning. One at a time, in a program that does
+/// not import the library itself. All throw std::runtime_error when a module cannot be loaded or does not leave.
 class FreshLibrary {
  public:
   FreshLibrary();

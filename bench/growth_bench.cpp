@@ -1,5 +1,5 @@
-// How a device listing and a combined listing grow with the number of devices and of records, without the questions to Windows:
-// the devices are scripted, and there are no services and OEM packages.
+// How a device listing and a combined listing grow with the number of devices and of records, without the questions to
+// Windows: the devices are scripted, and there are no services and OEM packages.
 #include <windows.h>
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 /// @file
-/// The library, listing into a vector of the module's own, so that a program can load and unload both: a library that was just
-/// loaded has empty caches.
+/// The library, listing into a vector of the module's own, so that a program can load and unload both: a library that
+/// was just loaded has empty caches.
 #pragma once
 
 #include <vector>

@@ -13,8 +13,8 @@
 
 namespace {
 
-/// Bytes that the C++ run-time library has given out and not got back, in the whole process, while it lives: records, texts and
-/// containers of all modules. What Windows keeps for itself does not count.
+/// Bytes that the C++ run-time library has given out and not got back, in the whole process, while it lives: records,
+/// texts and containers of all modules. What Windows keeps for itself does not count.
 class HeapBytes {
  public:
   std::size_t Now() const { return m_now; }

@@ -22,8 +22,8 @@ enum Mode { ByDevice = 0, Registered = 1, All = 2 };
 struct Listing {
   const char* name;
   Mode mode;
-  /// Whether an All listing came before, so that devices and services come from the caches and only the OEM packages are asked
-  /// for.
+  /// Whether an All listing came before, so that devices and services come from the caches and only the OEM packages
+  /// are asked for.
   bool second;
   Records (*bare)();
   double limit;
@@ -56,8 +56,8 @@ std::string FirstDifference(const Lines& bare, const Lines& library) {
          (b != library.end() ? *b : "none");
 }
 
-/// `records`, and each of them under its base name too: the device listing gives the records of packages a second time, under
-/// the base name, "_" and the identity of the device.
+/// `records`, and each of them under its base name too: the device listing gives the records of packages a second time,
+/// under the base name, "_" and the identity of the device.
 Records WithBaseNames(Records records) {
   for (std::size_t i = records.size(); i-- > 0;) {
     records.push_back(records[i]);

@@ -1,5 +1,5 @@
-// How the service listing grows with the number of services, on the machine of benchmachine: the service control manager's
-// answer is cut, or repeated, to so many entries; each is then asked for as ever.
+// How the service listing grows with the number of services, on the machine of benchmachine: the service control
+// manager's answer is cut, or repeated, to so many entries; each is then asked for as ever.
 #include <windows.h>
 
 #include <memory>

@@ -1,0 +1,8 @@
+#include <cstddef>
+
+#include "inventory/inventory.h"
+
+/// The number of records.
+extern "C" __declspec(dllexport) std::size_t CollectInventory() {
+  return inventory::Collect(std::string()).records.size();
+}
