@@ -18,6 +18,7 @@ install(FILES
   DESTINATION include/driverinfo)
 install(TARGETS driverlist RUNTIME DESTINATION ${bin})
 install(FILES docs/driverlist.md DESTINATION docs)
+install(DIRECTORY docs/schema DESTINATION docs)
 
 foreach(dll ${runtime_dlls})
   cmake_path(GET dll FILENAME name)

@@ -1,0 +1,1 @@
+// What up.h must not know.
