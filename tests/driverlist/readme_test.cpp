@@ -19,6 +19,11 @@ std::string PrintedForTheLaptop(const std::wstring& what) {
   return test::FileContent(L"..\\samplemachine\\expected\\intel-laptop." + what);
 }
 
+TEST(Readme, ShowsWhatIsPrinted) {
+  EXPECT_THAT(test::FileContent(L"..\\..\\README.md"),
+              testing::HasSubstr("$ scripts/run\n" + PrintedForTheLaptop(L"list.txt") + "```\n"));
+}
+
 TEST(Manual, ShowsWhatIsPrinted) {
   EXPECT_THAT(Manual(), testing::HasSubstr("$ driverlist health\n" + PrintedForTheLaptop(L"health.txt") + "```\n"));
   const std::string diff = PrintedForTheLaptop(L"diff.txt");
