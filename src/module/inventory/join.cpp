@@ -41,9 +41,6 @@ class ListedServices {
   std::map<std::string, const ListedDriver*> m_byPath;
 };
 
-/// What the library calls the image at `path`.
-std::string ImageName(const std::string& path) { return Orvane::ImageRecordName(path); }
-
 /// The name of the file by which the library looks for the image of `service`, without its extension, in lower case.
 std::string LookedUpStem(const ServiceFacts& service) {
   const std::string file = Orvane::GetImageFileName(service.configured.c_str(), service.service.c_str());
@@ -61,7 +58,7 @@ Record ServiceRecord(const ServiceFacts& facts, const ListedServices& listed,
   record.image_missing = facts.image_missing;
   record.image_time = facts.image_time;
   record.size = facts.size;
-  record.name = ImageName(facts.path.empty() ? facts.service + ".sys" : facts.path);
+  record.name = Orvane::ImageRecordName(facts.path.empty() ? facts.service + ".sys" : facts.path);
   if (const ListedDriver* const driver = listed.At(facts.path)) {
     record.name = driver->name;
     record.description = driver->description;

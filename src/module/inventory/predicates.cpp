@@ -1,15 +1,12 @@
 #include "inventory/predicates.h"
 
+#include "inventory/filenames.h"
 #include "platform/encoding.h"
 
 namespace inventory {
 namespace {
 
 bool BeginsWith(std::string_view text, std::string_view prefix) { return text.substr(0, prefix.size()) == prefix; }
-
-bool EndsWith(std::string_view text, std::string_view suffix) {
-  return text.size() >= suffix.size() && text.substr(text.size() - suffix.size()) == suffix;
-}
 
 }  // namespace
 
@@ -31,8 +28,7 @@ bool HasNoDriver(const Record& record) { return IsDevice(record) && record.inf.e
 bool HasProblem(const Record& record) { return IsDevice(record) && record.problem_code.has_value(); }
 
 bool IsOemInf(std::string_view inf) {
-  const std::string lower = Orvane::LowerCase(inf);
-  return BeginsWith(lower, "oem") && EndsWith(lower, ".inf");
+  return BeginsWith(Orvane::LowerCase(inf), "oem") && EndsIgnoringCase(inf, ".inf");
 }
 
 bool IsOemPackage(const Record& record) { return IsPackage(record) && IsOemInf(record.inf); }

@@ -32,7 +32,7 @@ std::string_view KindName(Kind kind);
 std::optional<Kind> KindNamed(std::string_view name);
 
 /// One service, device, package or chipset package. Unknown, or not applicable, is empty (false for a flag). The
-/// members are those of the documents, whose table stands in members.h.
+/// members are those of the documents, whose table is in members.h.
 struct Record {
   /// What the record is about, and so which members apply.
   Kind kind = Kind::Service;
