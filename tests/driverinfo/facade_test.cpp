@@ -55,7 +55,7 @@ void Free(void*, std::size_t) {}
 /// the compiler gives it.
 struct Freed {
   std::vector<void*> addresses;
-  test::ImportHook<&Free> hook{GetModuleHandleA("driverinfo.dll"), "_ZdlPvy", [this](void* address, std::size_t size) {
+  test::ImportHook<&Free> hook{test::Library(), "_ZdlPvy", [this](void* address, std::size_t size) {
                                  addresses.push_back(address);
                                  hook.Real(address, size);
                                }};

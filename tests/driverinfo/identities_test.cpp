@@ -62,6 +62,7 @@ TEST(DeviceRecordName, TakesIdentifiersExactly) {
   EXPECT_EQ(DeviceRecordName(Device("INTC", "110e"), ""), "INTC-110e-0000-0000_nodriver#");
   EXPECT_EQ(DeviceRecordName(Device("INTC", "105E "), ""), "INTC-105E -0000-0000_nodriver#");
   EXPECT_EQ(DeviceRecordName(Device("8086", "1083"), ""), "8086-1083-0000-0000_nodriver#");
+  EXPECT_EQ(DeviceRecordName(Device("8086", "1051"), "net"), "net_8086-1051-0000-0000");
 }
 
 DriverData Record(const std::string& name) {

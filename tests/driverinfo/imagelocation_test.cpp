@@ -4,6 +4,7 @@
 
 #include "importhook.h"
 #include "locales.h"
+#include "platform/handles.h"
 #include "redirection.h"
 #include "scratchmachine.h"
 #include "servicedrivers.h"
@@ -277,10 +278,8 @@ struct ImageLocationOnDisk : test::ScratchMachine {
   /// Finds `path` and returns where, with the size of the file there; empty when it is nowhere.
   static std::string Found(std::string path) {
     WIN32_FIND_DATAA data{};
-    const HANDLE found = FindDriverFile(path, &data);
-    if (found == INVALID_HANDLE_VALUE) return std::string();
-    FindClose(found);
-    return path + " " + std::to_string(data.nFileSizeLow);
+    const FindHandle found(FindDriverFile(path, &data));
+    return found ? path + " " + std::to_string(data.nFileSizeLow) : std::string();
   }
 };
 

@@ -1,4 +1,5 @@
 #include <gmock/gmock.h>
+#include <malloc.h>
 #include <windows.h>
 // After windows.h.
 #include <setupapi.h>
@@ -12,6 +13,7 @@
 #include "packagefiles.h"
 #include "records.h"
 #include "scratchmachine.h"
+#include "temporaryfiles.h"
 
 #if defined(_MSC_VER)
 // GetVersionExA is deprecated, but what the library asks.
@@ -27,11 +29,6 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 namespace {
-
-std::string TemporaryPath(const std::string& file) {
-  char folder[MAX_PATH];
-  return std::string(folder, GetTempPathA(MAX_PATH, folder)) + std::to_string(GetCurrentProcessId()) + file;
-}
 
 using Lines = std::vector<std::string>;
 
@@ -79,7 +76,7 @@ class InfPackage : public testing::Test {
     return lines;
   }
 
-  std::string path = TemporaryPath("package.inf");
+  std::string path = test::TemporaryPath("package.inf");
   test::LogCapture log;
 };
 
@@ -432,6 +429,21 @@ TEST_F(InfPackage, TestsExtensionsWithTheGlobalLocale) {
   EXPECT_EQ(Read(lines).size(), 1u);
   const test::HostLocale<test::OddLetters> locale;
   EXPECT_EQ(Read(lines).size(), 2u);
+}
+
+TEST(OriginalNameStructure, HasRoomForTheStructureHoweverLittleWindowsAsksFor) {
+  std::size_t room = 0;
+  HOOK(information, ThisProgram(), SetupGetInfInformationA,
+       [&](const void*, DWORD, SP_INF_INFORMATION* inf, DWORD, DWORD* needed) -> BOOL {
+         *needed = 1;
+         if (inf != nullptr) room = _msize(inf);
+         return TRUE;
+       });
+  HOOK(query, ThisProgram(), SetupQueryInfOriginalFileInformationA,
+       [](SP_INF_INFORMATION*, UINT, SP_ALTPLATFORM_INFO*, SP_ORIGINAL_FILE_INFO_A*) -> BOOL { return FALSE; });
+  std::string name;
+  EXPECT_FALSE(GetInfOriginalName("x.inf", name));
+  EXPECT_GE(room, sizeof(SP_INF_INFORMATION));
 }
 
 }  // namespace

@@ -97,11 +97,12 @@ TEST(DriverData, AssignsEveryField) {
 
 TEST(DriverData, MoveAssignsEveryFieldAndLeavesTextsAndListEmpty) {
   DriverData original = FullRecord();
-  DriverData target = FullRecord();
-  target.name = "another name that is longer than a short string";
+  DriverData target = Record("another name that is longer than a short string", "9");
   target.reserved_list = {"three"};
+  ASSERT_NE(target.found_by_device, original.found_by_device);
   EXPECT_EQ(&(target = std::move(original)), &target);
   EXPECT_EQ(Described(target), FullRecordText);
+  EXPECT_EQ(original.found_by_device, FullRecord().found_by_device) << "a number stays where it was";
   original.found_by_device = 0;
   EXPECT_EQ(Described(original), "found_by_device=0");
 }

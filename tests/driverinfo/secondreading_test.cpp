@@ -1,4 +1,5 @@
 // The second reading of a version resource, without file-system redirection.
+#include "platform/handles.h"
 #include "redirection.h"
 #include "servicelisting.h"
 
@@ -27,7 +28,7 @@ struct OtherImage {
 std::string Record(const std::string& description, const std::string& provider, const std::string& version,
                    const std::string& product) {
   WIN32_FIND_DATAA file{};
-  FindClose(FindFirstFileA(DriverPath("Oi.sys").c_str(), &file));
+  const Orvane::FindHandle found(FindFirstFileA(DriverPath("Oi.sys").c_str(), &file));
   Orvane::DriverData driver;
   driver.name = "Oi.sys";
   driver.description = description;

@@ -1,4 +1,5 @@
 // What Windows does to the service listing.
+#include <algorithm>
 #include <cstring>
 #include <functional>
 #include <new>
@@ -32,6 +33,18 @@ TEST_F(ServiceListing, SkipsAServiceThatCannotBeOpened) {
   EXPECT_THAT(NamesAndPaths(), ElementsAre("OiGood.sys " + DriverPath("OiGood.sys")));
   EXPECT_THAT(log.Take(), ElementsAre(StartServices, LogLine{2, ErrorText(ERROR_ACCESS_DENIED)}, EnterImage, ExitImage,
                                       ServiceListed("OiGood.sys", ""), NoIntel, NoAmd, NoPshed));
+}
+
+TEST_F(ServiceListing, LogsATextWithThePlacesForItsInserts) {
+  const DriverService service("OiBad", "OiBad.sys");
+  HOOK(open, Library(), OpenServiceA, [](SC_HANDLE, const char*, DWORD) -> SC_HANDLE {
+    SetLastError(ERROR_BAD_EXE_FORMAT);
+    return nullptr;
+  });
+  ASSERT_THAT(ErrorText(ERROR_BAD_EXE_FORMAT), testing::HasSubstr("%1"));
+  EXPECT_THAT(List(), IsEmpty());
+  EXPECT_THAT(log.Take(),
+              ElementsAre(StartServices, LogLine{2, ErrorText(ERROR_BAD_EXE_FORMAT)}, NoIntel, NoAmd, NoPshed));
 }
 
 TEST_F(ServiceListing, SkipsAServiceThatVanishesMeanwhile) {
@@ -179,6 +192,66 @@ TEST_F(ServiceListing, ReadsNoMoreEntriesThanFitTheBuffer) {
   const ChangedEntries changed([](Entries*, DWORD& count) { count = 0xFFFFFFFF; });
   // One entry, and a name behind it that no second entry fits into.
   EXPECT_THAT(NamesAndPaths(), ElementsAre("OiA.sys " + DriverPath("OiA.sys")));
+}
+
+/// Fills the buffer of the enumeration as a test says.
+struct ScriptedEntries {
+  using Fill = std::function<void(Entries* entries, std::size_t size, DWORD& count)>;
+  ScriptedEntries(std::size_t bytesNeeded, Fill fillEntries) : size(bytesNeeded), fill(std::move(fillEntries)) {}
+
+  std::size_t size;
+  Fill fill;
+  HOOK(enumerate, Library(), EnumServicesStatusA,
+       [this](SC_HANDLE, DWORD, DWORD, Entries* entries, DWORD room, DWORD* needed, DWORD* returned, DWORD*) -> BOOL {
+         *needed = static_cast<DWORD>(size);
+         *returned = 0;
+         if (entries != nullptr) fill(entries, room, *returned);
+         SetLastError(ERROR_MORE_DATA);
+         return room >= size;
+       });
+};
+
+/// Room for two entries. The second one, which would be the service OiB, has the text of the first in it.
+ScriptedEntries SecondEntryHolds(char* Entries::*text) {
+  return {2 * sizeof(Entries), [text](Entries* entries, std::size_t, DWORD& count) {
+            static char a[] = "OiA";
+            static char b[] = "OiB";
+            char* const behind = reinterpret_cast<char*>(&entries[1].ServiceStatus);
+            entries[0].lpServiceName = a;
+            entries[0].lpDisplayName = a;
+            entries[1].lpServiceName = b;
+            std::memcpy(behind, a, sizeof(a));
+            entries[0].*text = behind;
+            count = 2;
+          }};
+}
+
+class ServiceEntries : public ServiceListing {
+ private:
+  const ScratchFile m_image{DriverPath("Oi.sys"), 1};
+  const DriverService m_first{"OiA", "Oi.sys"};
+  const DriverService m_second{"OiB", "Oi.sys"};
+};
+
+TEST_F(ServiceEntries, EndWhereANameBegins) {
+  const ScriptedEntries scripted = SecondEntryHolds(&Entries::lpServiceName);
+  EXPECT_EQ(List().size(), 1u);
+}
+
+TEST_F(ServiceEntries, EndWhereADisplayNameBegins) {
+  const ScriptedEntries scripted = SecondEntryHolds(&Entries::lpDisplayName);
+  EXPECT_EQ(List().size(), 1u);
+}
+
+TEST_F(ServiceEntries, MayTakeMoreThan64KiB) {
+  static constexpr std::size_t services = 1500;
+  const ScriptedEntries scripted(services * sizeof(Entries), [](Entries* entries, std::size_t size, DWORD& count) {
+    static char none[] = "";
+    static char last[] = "OiB";
+    count = static_cast<DWORD>(std::min(size / sizeof(Entries), services));
+    for (std::size_t i = 0; i < count; ++i) entries[i].lpServiceName = i + 1 < services ? none : last;
+  });
+  EXPECT_THAT(NamesAndPaths(), ElementsAre("oi.sys " + DriverPath("oi.sys")));
 }
 
 TEST_F(ServiceListing, HasNoNameForAStateOrStartTypeThatIsNone) {

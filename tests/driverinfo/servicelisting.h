@@ -16,12 +16,8 @@
 
 namespace test {
 
-inline HMODULE Library() { return GetModuleHandleA("driverinfo.dll"); }
-
 /// The entries that EnumServicesStatusA gives.
 using Entries = ENUM_SERVICE_STATUSA;
-
-inline std::string DriverPath(const std::string& file) { return SystemDirectory() + "\\drivers\\" + file; }
 
 /// Counts the service and find handles that the library holds while it lives.
 struct OpenHandles {

@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "locales.h"
+#include "platform/handles.h"
 
 using namespace test;
 using Orvane::DriverData;
@@ -19,7 +20,7 @@ TEST_F(ServiceListing, TellsEverythingAboutADriver) {
   const ScratchFile image(DriverPath("OiBus.sys"), L"images\\full.sys");
   const DriverService service("OiBus", "\\SystemRoot\\System32\\drivers\\OiBus.sys", SERVICE_SYSTEM_START);
   WIN32_FIND_DATAA file;
-  FindClose(FindFirstFileA(DriverPath("OiBus.sys").c_str(), &file));
+  ASSERT_TRUE(Orvane::FindHandle(FindFirstFileA(DriverPath("OiBus.sys").c_str(), &file)));
   EXPECT_THAT(List(),
               ElementsAre("name=OiBus.sys; description=Example bus driver; provider=Example Systems; path=" +
                           DriverPath("OiBus.sys") +

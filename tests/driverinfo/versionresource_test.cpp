@@ -7,6 +7,7 @@
 #include "logcapture.h"
 #include "packagefiles.h"
 #include "scratchmachine.h"
+#include "temporaryfiles.h"
 
 using namespace Orvane;
 using test::LogLine;
@@ -17,11 +18,6 @@ using testing::ElementsAre;
 namespace {
 
 std::string Image(const std::wstring& name) { return test::ProgramFile(L"images\\" + name); }
-
-std::string TemporaryPath(const std::string& file) {
-  char folder[MAX_PATH];
-  return std::string(folder, GetTempPathA(MAX_PATH, folder)) + std::to_string(GetCurrentProcessId()) + file;
-}
 
 /// The four texts of an image, read into a record that held others.
 std::vector<std::string> Read(const std::string& path) {
@@ -262,7 +258,7 @@ TEST(VersionResource, TextWithoutLengthIsNone) {
 }
 
 TEST(VersionResource, MayBeLarge) {
-  const ScratchFile image(TemporaryPath("large.sys"), L"images\\noresource.sys");
+  const ScratchFile image(test::TemporaryPath("large.sys"), L"images\\noresource.sys");
   test::VersionSettings settings;
   settings.file[0] = 7;
   settings.texts = {{L"CompanyName", L"Example Systems"}};

@@ -1,6 +1,8 @@
 
 #include <algorithm>
+#include <new>
 
+#include "failingallocation.h"
 #include "listings.h"
 #include "locales.h"
 
@@ -67,6 +69,45 @@ TEST_F(CombinedListing, MergesDevicesServicesAndOemPackages) {
                             NoPshed,
                             StartOem} +
        PackageLog(oem.Path(), "oioem.sys") + std::vector<LogLine>{Shadowed("OiShared.sys", "4"), Before(5), After(5)}));
+}
+
+TEST_F(CombinedListing, ShadowsTheRecordsOfAFormerDeviceListing) {
+  const ScratchFile inf(InfPath("oidevice.inf"), PackageLines({"OiShared.sys"}));
+  SetDevices({ScriptedDevice("V", "1", inf.Path()), ScriptedDevice("V", "2", "")});
+  std::vector<DriverData> drivers;
+  EXPECT_EQ(info.list_drivers(drivers, ByDevice), 0);
+  const std::vector<std::string> devices = Described(drivers);
+  EXPECT_EQ(devices.size(), 3u);
+  log.Take();
+  EXPECT_EQ(info.list_drivers(drivers, All), 0);
+  EXPECT_EQ(Described(drivers), devices);
+  EXPECT_EQ(log.Take(), (std::vector<LogLine>{StartDevices, FromCache, StartServices, NoIntel, NoAmd, NoPshed, StartOem,
+                                              Shadowed("OiShared.sys", ""), Shadowed("OiShared_V-1-0000-0000", ""),
+                                              Shadowed("V-2-0000-0000_nodriver#", ""), Before(3), After(3)}));
+}
+
+TEST_F(CombinedListing, LosesNoNameWhenMemoryRunsOut) {
+  if (!IsWine()) GTEST_SKIP() << "memory comes from elsewhere";
+  const ScratchFile inf(InfPath("oidevice.inf"), PackageLines({"OiShared.sys"}));
+  std::vector<Orvane::PciDeviceRecord> devices = {ScriptedDevice("V", "1", inf.Path())};
+  for (int i = 0; i < 20; ++i) devices.push_back(ScriptedDevice("V", "2" + std::to_string(i), ""));
+  SetDevices(devices);
+  EXPECT_EQ(List(All).size(), 22u);
+  DriverData own;
+  own.name = "OiShared.sys";
+  std::size_t failures = 0;
+  for (bool isDone = false; !isDone; ++failures) {
+    std::vector<DriverData> drivers = {own};
+    try {
+      const FailingAllocation failing(failures);
+      info.list_drivers(drivers, All);
+      // A line of the log that finds no memory is lost, and nothing else.
+      isDone = !failing.HasFailed();
+    } catch (const std::bad_alloc&) {
+      EXPECT_THAT(drivers, testing::Contains(own)) << "behind " << failures;
+    }
+  }
+  EXPECT_GT(failures, 20u);
 }
 
 TEST_F(CombinedListing, AnswersDevicesAndServicesFromTheirCaches) {

@@ -162,8 +162,6 @@ TEST_F(DeviceListing, IsTheSameByBothFunctions) {
   EXPECT_EQ(drivers.size(), 1u);
 }
 
-TEST_F(DeviceListing, AsksTheInventoryByItsPlainName) {
-  EXPECT_NO_THROW(ImportSlot(GetModuleHandleA("driverinfo.dll"), "GetPciInfo"));
-}
+TEST_F(DeviceListing, AsksTheInventoryByItsPlainName) { EXPECT_NO_THROW(ImportSlot(test::Library(), "GetPciInfo")); }
 
 }  // namespace

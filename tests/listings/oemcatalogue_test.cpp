@@ -1,20 +1,22 @@
 // The OEM packages of the inf directory, which only the combined listing lists.
 #include <algorithm>
+#include <cstdlib>
 #include <memory>
+#include <new>
 
 #include "importhook.h"
 #include "listings.h"
+#include "platform/handles.h"
 
 using namespace test;
 using Orvane::All;
 using Orvane::DriverData;
+using Orvane::FindHandle;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::UnorderedElementsAre;
 
 namespace {
-
-HMODULE Library() { return GetModuleHandleA("driverinfo.dll"); }
 
 class OemCatalogue : public Listing {
  protected:
@@ -56,11 +58,11 @@ TEST_F(OemCatalogue, IsReadInTheOrderOfTheDirectory) {
   }
   std::vector<std::string> inOrder;
   WIN32_FIND_DATAA file;
-  const HANDLE found = FindFirstFileA(InfPath("oem*.inf").c_str(), &file);
+  const FindHandle found(FindFirstFileA(InfPath("oem*.inf").c_str(), &file));
+  ASSERT_TRUE(found);
   do {
     inOrder.push_back(InfPath(file.cFileName));
-  } while (FindNextFileA(found, &file));
-  FindClose(found);
+  } while (FindNextFileA(found.get(), &file));
   EXPECT_EQ(ReadPackages(), inOrder);
 }
 
@@ -101,6 +103,14 @@ TEST_F(OemCatalogue, IsEmptyWithoutDirectory) {
   HOOK(windows, Library(), GetSystemWindowsDirectoryA, [](char*, UINT) { return UINT{0}; });
   EXPECT_THAT(List(All), IsEmpty());
   EXPECT_THAT(log.Take(), testing::Contains(StartOem).Times(2));
+}
+
+/// The walk through a directory takes its own memory, and reports in words of its own that there is no more.
+TEST_F(OemCatalogue, ReportsThatMemoryRanOutInTheDirectory) {
+  const ScratchFile file(InfPath("oem0.inf"), PackageLines({"a.sys"}));
+  HOOK(allocate, Library(), calloc, [](std::size_t, std::size_t) -> void* { return nullptr; });
+  std::vector<DriverData> drivers;
+  EXPECT_THROW(info.list_drivers(drivers, All), std::bad_alloc);
 }
 
 TEST_F(OemCatalogue, EndsItsDirectoryWithTheBuffer) {

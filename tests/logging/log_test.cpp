@@ -11,7 +11,7 @@
 
 #include "importhook.h"
 #include "logcapture.h"
-#include "program.h"
+#include "temporaryfiles.h"
 
 using Orvane::Log;
 using test::LogLine;

@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cctype>
+#include <clocale>
+
 using namespace Orvane;
 
 namespace {
@@ -67,6 +70,13 @@ TEST(Identifier, OfAnotherFormIsNone) {
                                        "*INTC105E"}) {
     EXPECT_EQ(Parsed(identifier), "none") << identifier;
   }
+}
+
+TEST(Identifier, HasNoLettersOutsideAsciiInAnyLocaleOfTheHost) {
+  ASSERT_NE(std::setlocale(LC_CTYPE, "German_Germany.1252"), nullptr);
+  ASSERT_NE(std::isalnum(0xC4), 0);
+  EXPECT_EQ(Parsed("ACPI\\AM\xC4I0030"), "none");
+  std::setlocale(LC_CTYPE, "C");
 }
 
 TEST(Identifier, MayHaveAnyLength) {

@@ -58,6 +58,7 @@ class LineSink : public spdlog::sinks::base_sink<std::mutex> {
 void WriteToStandardError(const spdlog::memory_buf_t& line) {
   const HANDLE handle = GetStdHandle(STD_ERROR_HANDLE);
   DWORD mode = 0;
+  // Nobody could be told that a line of the log was not written.
   DWORD written = 0;
   if (GetConsoleMode(handle, &mode)) {
     const std::wstring wide = Wide(CP_UTF8, line.data(), line.size());
@@ -132,23 +133,31 @@ class Target {
   std::shared_ptr<FunctionSink> m_function;
 };
 
-/// The host's choice. Not destroyed at the end of the process, when a thread that was stopped may hold its mutex.
+/// The host's choice.
 struct Choice {
   std::mutex mutex;
   std::shared_ptr<Target> target;
   int level = 4;
 };
 
-Choice* theChoice = new Choice;
+/// Null until it is first asked for: nothing is made when the module is loaded.
+Choice* theChoice = nullptr;
+
+/// Not destroyed at the end of the process, when a thread that was stopped may hold its mutex.
+Choice& TheChoice() {
+  static Choice& made = *(theChoice = new Choice);
+  return made;
+}
 
 /// Lines above this level are of no interest to anyone: the level of the choice, 0 without a target.
 std::atomic<int> wantedLevel{0};
 
 void Choose(std::shared_ptr<Target> target) {
   {
-    const std::lock_guard<std::mutex> lock(theChoice->mutex);
-    theChoice->target.swap(target);
-    wantedLevel = theChoice->target ? theChoice->level : 0;
+    Choice& choice = TheChoice();
+    const std::lock_guard<std::mutex> lock(choice.mutex);
+    choice.target.swap(target);
+    wantedLevel = choice.target ? choice.level : 0;
   }
   if (target) target->Close();
 }
@@ -156,8 +165,9 @@ void Choose(std::shared_ptr<Target> target) {
 bool IsWanted(int level) { return level >= 1 && level <= wantedLevel.load(std::memory_order_relaxed); }
 
 std::shared_ptr<Target> ChosenTarget() {
-  const std::lock_guard<std::mutex> lock(theChoice->mutex);
-  return theChoice->target;
+  Choice& choice = TheChoice();
+  const std::lock_guard<std::mutex> lock(choice.mutex);
+  return choice.target;
 }
 
 }  // namespace
@@ -181,9 +191,10 @@ Log::~Log() {
 std::ostringstream& Log::Stream() { return m_stream; }
 
 void SetLogLevel(int level) {
-  const std::lock_guard<std::mutex> lock(theChoice->mutex);
-  theChoice->level = level;
-  wantedLevel = theChoice->target ? level : 0;
+  Choice& choice = TheChoice();
+  const std::lock_guard<std::mutex> lock(choice.mutex);
+  choice.level = level;
+  wantedLevel = choice.target ? level : 0;
 }
 
 void LogToNothing() { Choose(nullptr); }

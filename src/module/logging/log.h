@@ -24,7 +24,7 @@
 
 #if defined(_WIN32) && defined(LOGGING_EXPORTS)
 #define LOGGING_API __declspec(dllexport)
-#elif defined(_WIN32)
+#elif defined(_WIN32) && !defined(ORVANE_LINKED_IN)
 #define LOGGING_API __declspec(dllimport)
 #else
 #define LOGGING_API

@@ -10,6 +10,9 @@
 
 namespace Orvane {
 
+// Without flags that ask for it, a conversion fails for lack of room only, and each of these first asks how much it
+// needs.
+
 /// What is not text in `codePage` becomes U+FFFD or "?".
 inline std::wstring WideFrom(UINT codePage, std::string_view text) {
   const int size = static_cast<int>(text.size());
@@ -29,16 +32,25 @@ inline std::string Utf8FromWide(std::wstring_view wide) {
   return utf8;
 }
 
+/// What the narrow calls speak: the code page of the process, or UTF-8 in a module that replaces them.
+#ifdef ORVANE_LINKED_IN
+constexpr UINT NarrowCodePage = CP_UTF8;
+#else
+constexpr UINT NarrowCodePage = CP_ACP;
+#endif
+
 /// Where the process's code page is UTF-8 (its manifest may say so), only what is not UTF-8 changes.
-inline std::string Utf8FromAnsi(std::string_view ansi) { return Utf8FromWide(WideFrom(CP_ACP, ansi)); }
+inline std::string Utf8FromAnsi(std::string_view ansi) { return Utf8FromWide(WideFrom(NarrowCodePage, ansi)); }
 
 /// For the narrow calls of other modules. What the code page has no character for becomes "?".
 inline std::string AnsiFromUtf8(std::string_view utf8) {
   const std::wstring wide = WideFromUtf8(utf8);
   const int size = static_cast<int>(wide.size());
   std::string ansi(
-      static_cast<std::size_t>(WideCharToMultiByte(CP_ACP, 0, wide.data(), size, nullptr, 0, nullptr, nullptr)), '\0');
-  WideCharToMultiByte(CP_ACP, 0, wide.data(), size, ansi.data(), static_cast<int>(ansi.size()), nullptr, nullptr);
+      static_cast<std::size_t>(WideCharToMultiByte(NarrowCodePage, 0, wide.data(), size, nullptr, 0, nullptr, nullptr)),
+      '\0');
+  WideCharToMultiByte(NarrowCodePage, 0, wide.data(), size, ansi.data(), static_cast<int>(ansi.size()), nullptr,
+                      nullptr);
   return ansi;
 }
 

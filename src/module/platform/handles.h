@@ -7,6 +7,8 @@
 // After windows.h.
 #include <setupapi.h>
 
+#include <forward_list>
+#include <new>
 #include <utility>
 
 namespace Orvane {
@@ -44,14 +46,29 @@ using ServiceHandle = UniqueHandle<SC_HANDLE, &CloseServiceHandle>;
 using FileHandle = UniqueHandle<HANDLE, &CloseHandle>;
 using ProcessHandle = UniqueHandle<HANDLE, &CloseHandle>;
 using FindHandle = UniqueHandle<HANDLE, &FindClose>;
+using ModuleHandle = UniqueHandle<HMODULE, &FreeLibrary>;
 using DeviceSet = UniqueHandle<HDEVINFO, &SetupDiDestroyDeviceInfoList>;
 using InfHandle = UniqueHandle<HINF, &SetupCloseInfFile>;
 using LocalMemory = UniqueHandle<HLOCAL, &LocalFree>;
 
 /// Leaves the handle open until the process ends. Every call says why.
+///
+/// In a module that links the libraries in, only until that module is unloaded: it may be loaded and unloaded often.
 template <typename Handle, auto Close>
 void KeepOpen(UniqueHandle<Handle, Close>&& handle) noexcept {
+#ifdef ORVANE_LINKED_IN
+  // Made when the first handle is kept.
+  static std::forward_list<UniqueHandle<Handle, Close>> kept;  // NOLINT(bugprone-dynamic-static-initializers)
+  try {
+    kept.emplace_front();
+  } catch (const std::bad_alloc&) {
+    handle.release();
+    return;
+  }
+  kept.front() = std::move(handle);
+#else
   handle.release();
+#endif
 }
 
 }  // namespace Orvane

@@ -33,7 +33,7 @@
 
 #if defined(_WIN32) && defined(DRIVERINFO_EXPORTS)
 #define DRIVERINFO_API __declspec(dllexport)
-#elif defined(_WIN32)
+#elif defined(_WIN32) && !defined(ORVANE_LINKED_IN)
 #define DRIVERINFO_API __declspec(dllimport)
 #else
 #define DRIVERINFO_API

@@ -21,8 +21,8 @@ bool IsIntelGpio(const PciDeviceRecord& device) {
 }
 
 bool IsIntelEventFilter(const PciDeviceRecord& device) {
-  static const std::array<std::string, 12> deviceIds = {"1051", "1054", "1070", "1076", "1077", "1078",
-                                                        "107B", "10CB", "10CC", "10F1", "10F2", "110E"};
+  static constexpr std::array<std::string_view, 12> deviceIds = {"1051", "1054", "1070", "1076", "1077", "1078",
+                                                                 "107B", "10CB", "10CC", "10F1", "10F2", "110E"};
   return device.vendor_id == "INTC" &&
          std::find(deviceIds.begin(), deviceIds.end(), device.device_id) != deviceIds.end();
 }

@@ -1,8 +1,12 @@
 #include "imagecheck.h"
 
+#include <windows.h>
+
 #include <algorithm>
 #include <array>
+#include <cstddef>
 #include <cstdio>
+#include <cstring>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -10,20 +14,13 @@
 namespace Orvane {
 namespace {
 
-/// Some bytes of the file, numbers in it standing with their lowest byte first.
-template <std::size_t Size>
-struct Block {
-  std::array<unsigned char, Size> bytes{};
-
-  std::uint32_t Word(std::size_t offset) const { return bytes[offset] | bytes[offset + 1] << 8; }
-  std::uint32_t Number(std::size_t offset) const { return Word(offset) | Word(offset + 2) << 16; }
-};
-
-template <std::size_t Size>
-std::optional<Block<Size>> ReadBlock(const ReadBytes& read, std::uint64_t offset) {
-  Block<Size> block;
-  if (!read(offset, block.bytes.data(), Size)) return std::nullopt;
-  return block;
+/// A header of the file at `offset`, of which only the first `size` bytes are read; none when the file has not all of
+/// those. Numbers in an image have their lowest byte first, as in memory on every machine that runs Windows.
+template <typename Header>
+std::optional<Header> Read(const ReadBytes& read, std::uint64_t offset, std::size_t size = sizeof(Header)) {
+  Header header{};
+  if (!read(offset, &header, size)) return std::nullopt;
+  return header;
 }
 
 /// A part of the image: where it stands once mapped, and what the file holds of it.
@@ -34,8 +31,11 @@ struct Section {
   std::uint64_t fileSize;
 };
 
-constexpr std::size_t FileHeaderSize = 24;
-constexpr std::size_t SectionHeaderSize = 40;
+/// What IMAGE_NT_HEADERS begin with, for both kinds of processor.
+struct NtHeader {
+  DWORD Signature;
+  IMAGE_FILE_HEADER FileHeader;
+};
 
 struct Image {
   std::uint64_t size = 0;
@@ -53,9 +53,9 @@ std::uint64_t RoundUp(std::uint64_t number, std::uint64_t unit) { return (number
 bool ReadSections(const ReadBytes& read, std::uint64_t table, std::size_t count, std::uint64_t fileSize, Image& image) {
   std::uint64_t end = 0;
   for (std::size_t i = 0; i < count; ++i) {
-    const auto header = ReadBlock<SectionHeaderSize>(read, table + i * SectionHeaderSize);
+    const auto header = Read<IMAGE_SECTION_HEADER>(read, table + i * sizeof(IMAGE_SECTION_HEADER));
     if (!header) return false;
-    Section section{header->Number(12), header->Number(8), header->Number(20), header->Number(16)};
+    Section section{header->VirtualAddress, header->Misc.VirtualSize, header->PointerToRawData, header->SizeOfRawData};
     if (section.size == 0) section.size = section.fileSize;
     if (section.fileSize > 0 && section.fileOffset + section.fileSize > fileSize) return false;
     if (section.address < end || section.address + section.size > image.size) return false;
@@ -65,49 +65,72 @@ bool ReadSections(const ReadBytes& read, std::uint64_t table, std::size_t count,
   return true;
 }
 
+/// What is read of the optional header, whose two forms have some fields in other places.
+struct OptionalHeader {
+  std::size_t directories;
+  std::uint64_t imageSize;
+  std::uint64_t headersSize;
+  DWORD directoryCount;
+  IMAGE_DATA_DIRECTORY resources;
+};
+
+template <typename Form>
+OptionalHeader FieldsOf(const Form& header) {
+  return {offsetof(Form, DataDirectory), header.SizeOfImage, header.SizeOfHeaders, header.NumberOfRvaAndSizes,
+          header.DataDirectory[IMAGE_DIRECTORY_ENTRY_RESOURCE]};
+}
+
+/// Reads as much as both forms have up to the directory of the resources. `soundness` says what an image without an
+/// optional header is.
+std::optional<OptionalHeader> ReadOptionalHeader(const ReadBytes& read, std::uint64_t offset, Soundness& soundness) {
+  constexpr std::size_t size = offsetof(IMAGE_OPTIONAL_HEADER64, DataDirectory) +
+                               (IMAGE_DIRECTORY_ENTRY_RESOURCE + 1) * sizeof(IMAGE_DATA_DIRECTORY);
+  const auto header = Read<IMAGE_OPTIONAL_HEADER64>(read, offset, size);
+  soundness = header ? Soundness::NoImage : Soundness::Unsound;
+  if (!header) return std::nullopt;
+  if (header->Magic == IMAGE_NT_OPTIONAL_HDR64_MAGIC) return FieldsOf(*header);
+  if (header->Magic != IMAGE_NT_OPTIONAL_HDR32_MAGIC) return std::nullopt;
+  IMAGE_OPTIONAL_HEADER32 header32{};
+  static_assert(sizeof(header32) >= size);
+  std::memcpy(&header32, &*header, size);
+  return FieldsOf(header32);
+}
+
 Soundness ReadImage(std::uint64_t fileSize, const ReadBytes& read, Image& image) {
-  const auto dos = ReadBlock<64>(read, 0);
-  if (!dos || dos->Word(0) != 0x5A4D) return Soundness::NoImage;
-  const std::uint64_t begin = dos->Number(60);
-  const auto header = ReadBlock<FileHeaderSize>(read, begin);
+  const auto dos = Read<IMAGE_DOS_HEADER>(read, 0);
+  if (!dos || dos->e_magic != IMAGE_DOS_SIGNATURE) return Soundness::NoImage;
+  const std::uint64_t begin = static_cast<DWORD>(dos->e_lfanew);
+  const auto header = Read<NtHeader>(read, begin);
   if (!header) return Soundness::NoImage;
   // Images of 16-bit Windows are no drivers, and what says only half of its signature is no image: yet the platform
   // reads both.
-  constexpr std::uint32_t signature16 = 0x454E;
-  constexpr std::uint32_t signature = 0x4550;
-  if (header->Word(0) == signature16) return Soundness::Unsound;
-  if (header->Word(0) != signature) return Soundness::NoImage;
-  if (header->Number(0) != signature) return Soundness::Unsound;
-  // All of both forms up to the entry of the resources, which is the third of the directories.
-  constexpr std::size_t directories32 = 96;
-  constexpr std::size_t directories64 = 112;
-  constexpr std::size_t resourcesEnd = 3 * 8;
-  const auto optional = ReadBlock<directories64 + resourcesEnd>(read, begin + FileHeaderSize);
-  if (!optional) return Soundness::Unsound;
-  const bool is64 = optional->Word(0) == 0x20B;
-  if (!is64 && optional->Word(0) != 0x10B) return Soundness::NoImage;
+  if (LOWORD(header->Signature) == IMAGE_OS2_SIGNATURE) return Soundness::Unsound;
+  if (LOWORD(header->Signature) != IMAGE_NT_SIGNATURE) return Soundness::NoImage;
+  if (header->Signature != IMAGE_NT_SIGNATURE) return Soundness::Unsound;
+  Soundness withoutOptional{};
+  const auto optional = ReadOptionalHeader(read, begin + sizeof(NtHeader), withoutOptional);
+  if (!optional) return withoutOptional;
 
-  const std::size_t directories = is64 ? directories64 : directories32;
-  const std::size_t optionalSize = header->Word(20);
-  const std::size_t sectionCount = header->Word(6);
-  constexpr std::size_t mostDirectories = 16;
+  const std::size_t optionalSize = header->FileHeader.SizeOfOptionalHeader;
+  const std::size_t sectionCount = header->FileHeader.NumberOfSections;
+  constexpr std::size_t directoriesSize = IMAGE_NUMBEROF_DIRECTORY_ENTRIES * sizeof(IMAGE_DATA_DIRECTORY);
   constexpr std::size_t mostSections = 96;
-  if (optionalSize < directories || optionalSize > directories + mostDirectories * 8 || sectionCount > mostSections) {
+  if (optionalSize < optional->directories || optionalSize > optional->directories + directoriesSize ||
+      sectionCount > mostSections) {
     return Soundness::Unsound;
   }
   constexpr std::uint64_t page = 0x1000;
   constexpr std::uint64_t largestImage = 0x7FFF'0000;
-  image.size = RoundUp(optional->Number(56), page);
-  const std::uint64_t headersSize = optional->Number(60);
-  const std::uint64_t table = begin + FileHeaderSize + optionalSize;
-  if (image.size > largestImage || headersSize > image.size || headersSize > fileSize ||
-      table + sectionCount * SectionHeaderSize > headersSize) {
+  image.size = RoundUp(optional->imageSize, page);
+  const std::uint64_t table = begin + sizeof(NtHeader) + optionalSize;
+  if (image.size > largestImage || optional->headersSize > image.size || optional->headersSize > fileSize ||
+      table + sectionCount * sizeof(IMAGE_SECTION_HEADER) > optional->headersSize) {
     return Soundness::Unsound;
   }
   if (!ReadSections(read, table, sectionCount, fileSize, image)) return Soundness::Unsound;
-  if (optional->Number(directories - 4) > 2) {
-    image.resources = optional->Number(directories + 16);
-    image.resourcesSize = optional->Number(directories + 20);
+  if (optional->directoryCount > IMAGE_DIRECTORY_ENTRY_RESOURCE) {
+    image.resources = optional->resources.VirtualAddress;
+    image.resourcesSize = optional->resources.Size;
   }
   return Soundness::Sound;
 }
@@ -125,40 +148,83 @@ std::optional<std::uint64_t> FileOffset(const Image& image, std::uint64_t addres
 
 /// Whether all entries of the directory node at `node`, and what they lead to `depth` levels below, lie in the image.
 /// At most so many are followed that no image takes long.
+bool IsSoundNode(const Image& image, const ReadBytes& read, std::uint64_t node, int depth, int& budget);
+
+/// The header of type `Header` at `address` of the image, where one section holds all of it.
+template <typename Header>
+std::optional<Header> ReadMapped(const Image& image, const ReadBytes& read, std::uint64_t address) {
+  const auto offset = FileOffset(image, address, sizeof(Header));
+  return offset ? Read<Header>(read, *offset) : std::nullopt;
+}
+
+/// Whether a name, which is a length and so many characters, lies in the image.
+bool IsSoundName(const Image& image, const ReadBytes& read, std::uint64_t name) {
+  const auto length = ReadMapped<WORD>(image, read, name);
+  return length && FileOffset(image, name, sizeof(WORD) + sizeof(WCHAR) * std::uint64_t{*length});
+}
+
+/// The same as IsSoundNode() for one entry of a node.
+bool IsSoundEntry(const Image& image, const ReadBytes& read, const IMAGE_RESOURCE_DIRECTORY_ENTRY& entry, int depth,
+                  int& budget) {
+  constexpr DWORD isText = IMAGE_RESOURCE_NAME_IS_STRING;
+  constexpr DWORD isNode = IMAGE_RESOURCE_DATA_IS_DIRECTORY;
+  constexpr WORD versionType = 16;
+  if ((entry.Name & isText) != 0) {
+    if (!IsSoundName(image, read, image.resources + (entry.Name & ~isText))) return false;
+  } else if (depth == 2 && entry.Id != versionType) {
+    return true;
+  }
+  const std::uint64_t child = image.resources + (entry.OffsetToData & ~isNode);
+  if (((entry.OffsetToData & isNode) != 0) != (depth > 0)) return false;
+  if (depth > 0) return IsSoundNode(image, read, child, depth - 1, budget);
+  const auto data = ReadMapped<IMAGE_RESOURCE_DATA_ENTRY>(image, read, child);
+  return data && FileOffset(image, data->OffsetToData, data->Size);
+}
+
 bool IsSoundNode(const Image& image, const ReadBytes& read, std::uint64_t node, int depth, int& budget) {
-  constexpr std::size_t nodeSize = 16;
-  constexpr std::size_t entrySize = 8;
-  const auto offset = FileOffset(image, node, nodeSize);
-  const auto header = offset ? ReadBlock<nodeSize>(read, *offset) : std::nullopt;
+  const auto header = ReadMapped<IMAGE_RESOURCE_DIRECTORY>(image, read, node);
   if (!header) return false;
-  const std::size_t count = header->Word(12) + header->Word(14);
-  if (!FileOffset(image, node + nodeSize, count * entrySize)) return false;
-  constexpr std::uint32_t isNode = 0x8000'0000;
-  constexpr std::uint32_t versionType = 16;
+  const std::uint64_t entries = node + sizeof(*header);
+  const std::size_t count = std::size_t{header->NumberOfNamedEntries} + header->NumberOfIdEntries;
+  const auto offset = FileOffset(image, entries, count * sizeof(IMAGE_RESOURCE_DIRECTORY_ENTRY));
+  if (!offset) return false;
   for (std::size_t i = 0; i < count; ++i) {
-    const auto entry = ReadBlock<entrySize>(read, *offset + nodeSize + i * entrySize);
-    if (!entry || --budget < 0) return false;
-    // A name is a length and so many characters.
-    const std::uint64_t name = image.resources + (entry->Number(0) & ~isNode);
-    if ((entry->Number(0) & isNode) != 0) {
-      const auto length = FileOffset(image, name, 2);
-      const auto word = length ? ReadBlock<2>(read, *length) : std::nullopt;
-      if (!word || !FileOffset(image, name, 2 + 2 * std::uint64_t{word->Word(0)})) return false;
-    } else if (depth == 2 && entry->Word(0) != versionType) {
-      continue;
-    }
-    const std::uint64_t child = image.resources + (entry->Number(4) & ~isNode);
-    if (((entry->Number(4) & isNode) != 0) != (depth > 0)) return false;
-    if (depth > 0) {
-      if (!IsSoundNode(image, read, child, depth - 1, budget)) return false;
-      continue;
-    }
-    const auto data = FileOffset(image, child, 16);
-    const auto place = data ? ReadBlock<16>(read, *data) : std::nullopt;
-    if (!place || !FileOffset(image, place->Number(0), place->Number(4))) return false;
+    const auto entry = Read<IMAGE_RESOURCE_DIRECTORY_ENTRY>(read, *offset + i * sizeof(IMAGE_RESOURCE_DIRECTORY_ENTRY));
+    if (!entry || --budget < 0 || !IsSoundEntry(image, read, *entry, depth, budget)) return false;
   }
   return true;
 }
+
+/// A file of which a page is kept: what the check reads lies close together, and each read of the file costs more than
+/// all that is done with it.
+class FilePage {
+ public:
+  FilePage(std::FILE* file, std::uint64_t size) : m_file(file), m_size(size) {}
+
+  /// As ReadBytes; `count` is at most a page.
+  bool Read(std::uint64_t offset, void* bytes, std::size_t count) {
+    if (count > m_page.size() || offset > m_size || count > m_size - offset) return false;
+    const bool isKept = offset >= m_begin && offset + count <= m_begin + m_count;
+    if (!isKept && (!Load(offset) || count > m_count)) return false;
+    std::memcpy(bytes, &m_page[static_cast<std::size_t>(offset - m_begin)], count);
+    return true;
+  }
+
+ private:
+  bool Load(std::uint64_t offset) {
+    m_begin = offset;
+    m_count = 0;
+    if (std::fseek(m_file, static_cast<long>(offset), SEEK_SET) != 0) return false;
+    m_count = std::fread(m_page.data(), 1, m_page.size(), m_file);
+    return true;
+  }
+
+  std::FILE* m_file;
+  std::uint64_t m_size;
+  std::array<char, 4096> m_page{};
+  std::uint64_t m_begin = 0;
+  std::size_t m_count = 0;
+};
 
 }  // namespace
 
@@ -176,10 +242,9 @@ bool IsSoundImage(const std::string& path) {
   if (!file || std::fseek(file.get(), 0, SEEK_END) != 0) return true;
   const long size = std::ftell(file.get());
   if (size < 0) return true;
-  return IsSoundImage(static_cast<std::uint64_t>(size), [&](std::uint64_t offset, void* bytes, std::size_t count) {
-    return offset + count <= static_cast<std::uint64_t>(size) &&
-           std::fseek(file.get(), static_cast<long>(offset), SEEK_SET) == 0 &&
-           std::fread(bytes, 1, count, file.get()) == count;
+  FilePage page(file.get(), static_cast<std::uint64_t>(size));
+  return IsSoundImage(static_cast<std::uint64_t>(size), [&page](std::uint64_t offset, void* bytes, std::size_t count) {
+    return page.Read(offset, bytes, count);
   });
 }
 

@@ -1,8 +1,8 @@
 /// @file
-/// Whether the platform may be asked for the version resource of a file. Needs nothing of the platform.
+/// Whether the platform may be asked for the version resource of a file. Asks nothing of the platform itself.
 ///
-/// The platform maps an image and follows the numbers in its headers and in its resource directory. Windows survives
-/// where they lead out of the image; Wine does not, and ends the process.
+/// The platform maps an image and follows the numbers in its headers and in its resource directory. Where they lead out
+/// of the image, not every platform survives: SurvivesDamagedImages() of platformquirks.h says which.
 #pragma once
 
 #include <cstddef>

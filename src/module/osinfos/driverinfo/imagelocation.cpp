@@ -21,6 +21,7 @@ FindHandle FindCandidate(const std::string& candidate, WIN32_FIND_DATAA* findDat
 HANDLE FindDriverFile(std::string& path, WIN32_FIND_DATAA* findData) {
   std::array<char, MAX_PATH> systemDirectory{};
   std::array<char, MAX_PATH> windowsDirectory{};
+  // A directory that is not told is empty, and no file is found below it.
   GetSystemDirectoryA(systemDirectory.data(), MAX_PATH);
   GetWindowsDirectoryA(windowsDirectory.data(), MAX_PATH);
   const std::string system = BoundedText(systemDirectory.data(), systemDirectory.size());

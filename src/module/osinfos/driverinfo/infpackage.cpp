@@ -46,6 +46,7 @@ class InfReader {
   /// The line of `disk` in the disk section; where there is none, the text that was read before, which is `disk`
   /// itself.
   std::string DiskName(const char* diskSection, const std::string& disk) {
+    // Where it fails, the buffer keeps what it held.
     SetupGetLineTextA(nullptr, m_inf.get(), diskSection, disk.c_str(), m_buffer.data(), Size(), nullptr);
     return Text();
   }

@@ -39,8 +39,8 @@ struct PackageFiles {
   /// cannot be walked, or not to its end, gives what was found until then.
   static void ScanOemInfCatalogue(std::vector<DriverData>& drivers);
 
-  /// Reads the version resource of the image at `sysFilePath` (full path) into `info`, all four texts of it. Under
-  /// Wine, which does not survive all damaged images, one that IsSoundImage() refuses counts as one without.
+  /// Reads the version resource of the image at `sysFilePath` (full path) into `info`, all four texts of it. On a
+  /// platform that does not survive damaged images, one that IsSoundImage() refuses counts as one without.
   ///
   /// The two texts of the string table are looked up under the first translation of the file. A file without
   /// translations is looked up under that of the last file that had one; while there was none, its texts are empty.

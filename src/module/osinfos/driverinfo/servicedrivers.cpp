@@ -45,6 +45,7 @@ std::vector<DriverService> EnumerateDriverServices(SC_HANDLE manager) {
   DWORD size = 0;
   DWORD count = 0;
   DWORD resume = 0;
+  // It fails, having no room, and says how much it needs.
   EnumServicesStatusA(manager, SERVICE_DRIVER, SERVICE_STATE_ALL, nullptr, 0, &size, &count, &resume);
   std::vector<char> buffer(size);
   count = 0;
@@ -84,6 +85,7 @@ bool QueryConfig(SC_HANDLE service, ServiceConfig& config) {
 /// none.
 std::string RegisteredImagePath(const std::string& stem) {
   HKEY opened = nullptr;
+  // Most keys are there; without one, the query below fails and the path is empty.
   RegOpenKeyExA(HKEY_LOCAL_MACHINE, ("System\\CurrentControlSet\\Services\\" + stem).c_str(), 0, KEY_QUERY_VALUE,
                 &opened);
   // The library closes no registry key: a listing that found something is cached, so a process opens each key once.
@@ -97,6 +99,7 @@ std::string RegisteredImagePath(const std::string& stem) {
   if (path.find('%') == std::string::npos) return path;
 
   std::array<char, 1024> expanded{};
+  // Where it fails, the path is empty.
   ExpandEnvironmentStringsA(path.c_str(), expanded.data(), static_cast<DWORD>(expanded.size()));
   return BoundedText(expanded.data(), expanded.size());
 }

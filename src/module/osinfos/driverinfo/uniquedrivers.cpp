@@ -1,30 +1,201 @@
 #include "uniquedrivers.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <functional>
+#include <limits>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "platform/logline.h"
 
 namespace Orvane {
+namespace {
 
-void SortAndRemoveDuplicates(std::vector<DriverData>& drivers) {
+/// A record, and what it is ordered by. Sorting these moves 32 bytes where a record has 416.
+struct Entry {
+  /// Eight bytes of the name, the first of them the most significant. Most comparisons end here, without a look at the
+  /// names, which lie all over the memory.
+  std::uint64_t key;
+  std::string_view name;
+  DriverData* driver;
+};
+
+using Entries = std::vector<Entry>;
+
+bool IsBefore(const Entry& a, const Entry& b) { return a.key != b.key ? a.key < b.key : a.name < b.name; }
+
+/// How many bytes all names begin with alike.
+std::size_t CommonPrefix(const Entries& entries) {
+  if (entries.empty()) return 0;
+  const std::string_view first = entries.front().name;
+  std::size_t common = first.size();
+  for (const Entry& entry : entries) {
+    common = std::min(common, entry.name.size());
+    const auto end = first.begin() + static_cast<std::ptrdiff_t>(common);
+    common = static_cast<std::size_t>(std::mismatch(first.begin(), end, entry.name.begin()).first - first.begin());
+    if (common == 0) break;
+  }
+  return common;
+}
+
+/// Eight bytes of `name` from `begin` on, zeros behind its end: of two names that are alike up to `begin`, the lesser
+/// one has no greater key.
+std::uint64_t Key(std::string_view name, std::size_t begin) {
+  std::uint64_t key = 0;
+  for (std::size_t i = begin; i < begin + sizeof(key); ++i) {
+    key = key << 8 | (i < name.size() ? static_cast<unsigned char>(name[i]) : 0u);
+  }
+  return key;
+}
+
+void SortByName(Entries& entries) {
+  const std::size_t common = CommonPrefix(entries);
+  for (Entry& entry : entries) entry.key = Key(entry.name, common);
   // By name only, and then the oldest of each name: the order of versions is not transitive (1g is before 9, 9 before
   // 10, 10 before 1g), so a sort by operator< itself might run out of its range. What is kept is the same.
-  std::sort(drivers.begin(), drivers.end(), [](const DriverData& a, const DriverData& b) { return a.name < b.name; });
-  ORVANE_LOG(4) << "driverlist size before erase unique:" << std::to_string(drivers.size());
-  // Comparing versions may run out of memory, moving records may not: first decide, then move, so that no record is
-  // lost.
-  std::vector<std::size_t> oldest;
-  for (auto run = drivers.begin(); run != drivers.end();) {
-    const auto runEnd = std::find_if(run, drivers.end(), [run](const DriverData& driver) { return !(driver == *run); });
-    oldest.push_back(static_cast<std::size_t>(std::min_element(run, runEnd) - drivers.begin()));
+  std::sort(entries.begin(), entries.end(), &IsBefore);
+}
+
+/// Keeps the oldest of each name of sorted entries.
+void KeepOldest(Entries& entries) {
+  auto kept = entries.begin();
+  for (auto run = entries.begin(); run != entries.end();) {
+    const auto runEnd = std::find_if(
+        run + 1, entries.end(), [run](const Entry& entry) { return entry.key != run->key || entry.name != run->name; });
+    *kept++ = *std::min_element(run, runEnd, [](const Entry& a, const Entry& b) { return *a.driver < *b.driver; });
     run = runEnd;
   }
-  auto kept = drivers.begin();
-  for (const std::size_t index : oldest) *kept++ = std::move(drivers[index]);
-  drivers.erase(kept, drivers.end());
+  entries.erase(kept, entries.end());
+}
+
+/// The oldest record of each name, in order.
+std::vector<DriverData*> Unique(Entries entries) {
+  SortByName(entries);
+  ORVANE_LOG(4) << "driverlist size before erase unique:" << std::to_string(entries.size());
+  KeepOldest(entries);
+  std::vector<DriverData*> unique;
+  unique.reserve(entries.size());
+  for (const Entry& entry : entries) unique.push_back(entry.driver);
+  return unique;
+}
+
+/// Moves records into a vector that has room for no others.
+std::vector<DriverData> Take(const std::vector<DriverData*>& drivers) {
+  std::vector<DriverData> taken;
+  taken.reserve(drivers.size());
+  for (DriverData* const driver : drivers) taken.push_back(std::move(*driver));
+  return taken;
+}
+
+void LogUnique(const std::vector<DriverData>& drivers) {
   ORVANE_LOG(4) << "driverlist size after erase unique:" << std::to_string(drivers.size());
+}
+
+/// Finds a device by its name. A table of its own, since one of the standard library would take memory for each name.
+class DeviceNames {
+ public:
+  explicit DeviceNames(const std::vector<DriverData>& devices) : m_devices(devices) {
+    std::size_t size = 2;
+    while (size < 2 * devices.size()) size *= 2;
+    m_slots.resize(size);
+    for (std::size_t i = 0; i < devices.size(); ++i) {
+      const std::size_t hash = Hash(devices[i].name);
+      m_slots[SlotOf(devices[i].name, hash)] = {hash, i};
+    }
+  }
+
+  /// The position of the device; none when there is no device of that name.
+  std::size_t Find(std::string_view name) const { return m_slots[SlotOf(name, Hash(name))].device; }
+
+  static constexpr std::size_t None = std::numeric_limits<std::size_t>::max();
+
+ private:
+  struct Slot {
+    std::size_t hash = 0;
+    std::size_t device = None;
+  };
+
+  static std::size_t Hash(std::string_view name) { return std::hash<std::string_view>()(name); }
+
+  /// The slot of `name`; where it has none, the free one in which to put it. At least half of the slots are free.
+  std::size_t SlotOf(std::string_view name, std::size_t hash) const {
+    std::size_t slot = hash;
+    for (;; ++slot) {
+      const Slot& candidate = m_slots[slot & (m_slots.size() - 1)];
+      if (candidate.device == None || (candidate.hash == hash && m_devices[candidate.device].name == name)) break;
+    }
+    return slot & (m_slots.size() - 1);
+  }
+
+  const std::vector<DriverData>& m_devices;
+  std::vector<Slot> m_slots;
+};
+
+/// A record of the other sources that has the name of a device record, both by their positions.
+struct Shadowed {
+  std::size_t device;
+  std::size_t driver;
+};
+
+/// In the order of `drivers`.
+std::vector<Shadowed> FindShadowed(const std::vector<DriverData>& devices, const std::vector<DriverData>& drivers) {
+  const DeviceNames names(devices);
+  std::vector<Shadowed> shadowed;
+  for (std::size_t i = 0; i < drivers.size(); ++i) {
+    const std::size_t device = names.Find(drivers[i].name);
+    if (device != DeviceNames::None) shadowed.push_back({device, i});
+  }
+  return shadowed;
+}
+
+/// In the order of the device records, for each of them in the order of `drivers`.
+void LogShadowed(std::vector<Shadowed> allShadowed, const std::vector<DriverData>& drivers) {
+  std::sort(allShadowed.begin(), allShadowed.end(), [](const Shadowed& a, const Shadowed& b) {
+    return a.device != b.device ? a.device < b.device : a.driver < b.driver;
+  });
+  for (const Shadowed& shadowed : allShadowed) {
+    const DriverData& driver = drivers[shadowed.driver];
+    // The size stands where the line says version; readers of the log know it so.
+    ORVANE_LOG(3) << driver.name << "; version=" << driver.size << " already found by device.";
+  }
+}
+
+}  // namespace
+
+void SortAndRemoveDuplicates(std::vector<DriverData>& drivers) {
+  Entries entries;
+  entries.reserve(drivers.size());
+  for (DriverData& driver : drivers) entries.push_back({0, driver.name, &driver});
+  // Comparing versions may run out of memory, moving records may not: first decide, then move, so that no record is
+  // lost. In two statements, since the entries live to the end of the first.
+  const std::vector<DriverData*> unique = Unique(std::move(entries));
+  drivers = Take(unique);
+  LogUnique(drivers);
+}
+
+void MergeDevices(std::vector<DriverData> devices, std::vector<DriverData>& drivers) {
+  // A vector that doubled may have much room left: it is given back, so that the listing needs little more than its
+  // result and the caches do.
+  if (drivers.capacity() > drivers.size() + drivers.size() / 16) drivers.shrink_to_fit();
+  const std::vector<Shadowed> shadowed = FindShadowed(devices, drivers);
+  Entries entries;
+  entries.reserve(drivers.size() - shadowed.size() + devices.size());
+  auto next = shadowed.begin();
+  for (std::size_t i = 0; i < drivers.size(); ++i) {
+    const bool isShadowed = next != shadowed.end() && next->driver == i;
+    if (isShadowed) {
+      ++next;
+    } else {
+      entries.push_back({0, drivers[i].name, &drivers[i]});
+    }
+  }
+  for (DriverData& device : devices) entries.push_back({0, device.name, &device});
+  LogShadowed(shadowed, drivers);
+  const std::vector<DriverData*> unique = Unique(std::move(entries));
+  drivers = Take(unique);
+  LogUnique(drivers);
 }
 
 }  // namespace Orvane

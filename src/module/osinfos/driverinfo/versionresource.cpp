@@ -13,6 +13,7 @@
 #include "packagefiles.h"
 #include "platform/logline.h"
 #include "platform/platformtext.h"
+#include "platformquirks.h"
 
 namespace Orvane {
 namespace {
@@ -27,9 +28,12 @@ struct Translation {
 /// texts listed for them rest on that.
 std::optional<Translation> lastTranslation;
 
-/// Windows survives where the headers and resources of a damaged image lead it. Wine does not, so there an image is
-/// looked at before it is asked about. Found out while the library is loaded.
-const bool isWine = GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") != nullptr;
+/// Whether the platform may be asked about the image. Looking at it first costs another opening of the file, so that is
+/// done only where it is needed.
+bool MayBeAskedAbout(const std::string& path) {
+  static const bool survivesAll = SurvivesDamagedImages();
+  return survivesAll || IsSoundImage(path);
+}
 
 /// The version resource of one image. Its content comes from the file and is trusted in nothing: what is read lies
 /// inside the buffer.
@@ -37,7 +41,7 @@ class VersionResource {
  public:
   /// Empty when the image cannot be read or has no version resource.
   explicit VersionResource(const std::string& path) {
-    if (isWine && !IsSoundImage(path)) return;
+    if (!MayBeAskedAbout(path)) return;
     DWORD handle = 0;
     const DWORD size = GetFileVersionInfoSizeA(path.c_str(), &handle);
     // No image has room for more; a larger one is damaged.
@@ -49,6 +53,7 @@ class VersionResource {
     m_bytes.reset(static_cast<char*>(VirtualAlloc(nullptr, size + room, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE)));
     if (!m_bytes) throw std::bad_alloc();
     m_size = size + room;
+    // Where it fails, the buffer holds zeros, in which no query finds anything.
     GetFileVersionInfoA(path.c_str(), handle, size, m_bytes.get());
   }
 

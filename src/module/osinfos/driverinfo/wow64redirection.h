@@ -21,6 +21,7 @@ class RedirectionOff {
   // Reverts also when nothing was switched off.
   ~RedirectionOff() {
     if (const auto revert = Function<BOOL(WINAPI*)(void*)>("Wow64RevertWow64FsRedirection")) revert(OldValue);
+    // Also a null handle, which an owner would not free: every way through here makes the same calls.
     FreeLibrary(m_kernel);
   }
 

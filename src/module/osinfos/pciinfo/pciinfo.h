@@ -10,7 +10,7 @@
 
 #if defined(_WIN32) && defined(PCIINFO_EXPORTS)
 #define PCIINFO_API __declspec(dllexport)
-#elif defined(_WIN32)
+#elif defined(_WIN32) && !defined(ORVANE_LINKED_IN)
 #define PCIINFO_API __declspec(dllimport)
 #else
 #define PCIINFO_API

@@ -1,0 +1,67 @@
+/// @file
+/// JSON that is read value by value, within limits and without being held: a file of any size, made by anybody.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <streambuf>
+#include <string>
+#include <string_view>
+
+#include "platform/inputproblem.h"
+
+namespace Orvane {
+
+/// How many arrays and objects may be inside one another.
+constexpr std::size_t DeepestNesting = 16;
+
+/// How long one text may be, and how far one text from the next, in bytes.
+constexpr std::size_t LongestText = 1 << 20;
+
+/// A text that is not JSON, or only the beginning of some. what() is "is damaged: ...".
+struct DamagedJson : InputProblem {
+  using InputProblem::InputProblem;
+};
+
+enum class JsonType {
+  Null,
+  False,
+  True,
+  /// A whole number from 0 to 2^64 - 1.
+  Number,
+  OtherNumber,
+  Text,
+  Array,
+  Object
+};
+
+/// For sentences: "a text", "null".
+std::string_view JsonTypeName(JsonType type);
+
+/// A value that holds no others.
+struct JsonScalar {
+  JsonType type = JsonType::Null;
+  /// Of a text; valid while the event lasts.
+  std::string_view text;
+  /// Of a Number.
+  std::uint64_t number = 0;
+};
+
+/// Takes what is in a JSON text, in its order. Throws whatever ends the reading.
+class JsonEvents {
+ public:
+  virtual void Begin(JsonType arrayOrObject) = 0;
+  virtual void End() = 0;
+  /// The name of a member, whose value follows.
+  virtual void Name(const std::string& name) = 0;
+  virtual void Value(const JsonScalar& value) = 0;
+
+ protected:
+  ~JsonEvents() = default;
+};
+
+/// Reads `text`, which is one JSON text in UTF-8 from beginning to end. Throws DamagedJson if it is not JSON, and
+/// InputProblem if it exceeds a limit.
+void ReadJson(std::streambuf& text, JsonEvents& events);
+
+}  // namespace Orvane
