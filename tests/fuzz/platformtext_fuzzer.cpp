@@ -28,7 +28,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const char* const buffer = owned.get();
   model::Expect("BoundedText", Orvane::BoundedText(buffer, bytes.size()), Text(bytes, 0));
   model::Expect("TextWithin", Orvane::TextWithin(buffer + inside, buffer, bytes.size()), Text(bytes, inside));
-  model::Expect("TextWithin of nothing", Orvane::TextWithin(static_cast<const char*>(nullptr), buffer, bytes.size()), "");
+  model::Expect("TextWithin of nothing", Orvane::TextWithin(static_cast<const char*>(nullptr), buffer, bytes.size()),
+                "");
   const auto rest = Orvane::BytesFrom(buffer + inside, buffer, bytes.size());
   model::Expect("BytesFrom", rest ? std::to_string(*rest) : "none", std::to_string(bytes.size() - inside));
 

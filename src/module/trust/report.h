@@ -1,0 +1,20 @@
+/// @file
+/// The steps that signatures in images and in catalogs share: evidence of the platform's verdict, and the report.
+#pragma once
+
+#include <optional>
+
+#include "trust/platformverdict.h"
+#include "trust/signature.h"
+#include "trust/signaturestate.h"
+#include "trust/signeddata.h"
+
+namespace trust {
+
+/// The platform's part of the evidence.
+Evidence EvidenceOf(const PlatformVerdict& verdict);
+
+/// State, code and sentence of the evidence, with the facts of `data` where there is a signature that can be read.
+Signature Report(const Evidence& evidence, const PlatformVerdict& verdict, const std::optional<SignedData>& data);
+
+}  // namespace trust
