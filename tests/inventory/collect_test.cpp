@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <map>
 
+#include "codepage.h"
 #include "importhook.h"
 #include "inventory/inventory.h"
 #include "platform/encoding.h"
@@ -17,8 +18,6 @@ using namespace inventory;
 namespace {
 
 using Counts = std::map<std::string, int>;
-
-std::string DriverPath(const std::string& file) { return test::SystemDirectory() + "\\drivers\\" + file; }
 
 std::vector<std::string> Package(const std::string& file) {
   return {"[Version]",           "Signature=\"$WINDOWS NT$\"",
@@ -49,7 +48,7 @@ class InventoryOfAMachine : public test::ScratchMachine {
   }
 
   struct Machine {
-    test::ScratchFile image{DriverPath("OiNet.sys"), L"images\\full.sys"};
+    test::ScratchFile image{test::DriverPath("OiNet.sys"), L"images\\full.sys"};
     test::DriverService service{"OiNet", "System32\\drivers\\OiNet.sys"};
     test::ScratchFile elsewhere{"C:\\oi\\OiOther.sys", L"images\\full.sys"};
     test::DriverService other{"OiUnlike", "\\??\\C:\\oi\\OiOther.sys"};
@@ -72,7 +71,7 @@ TEST_F(InventoryOfAMachine, OpensEachServiceAndEachInfOnceBeyondTheLibrary) {
          ++infs[Orvane::Utf8FromWide(path)];
          return openInf.Real(path, infClass, style, line);
        });
-  const Records records = Collect("").records;
+  const Records records = Collect({}).records;
   EXPECT_EQ(services["OiNet"], 1);
   EXPECT_EQ(services["OiUnlike"], 1);
   EXPECT_EQ(infs[test::InfDirectory() + "\\oem9001.inf"], 1);
@@ -82,7 +81,7 @@ TEST_F(InventoryOfAMachine, OpensEachServiceAndEachInfOnceBeyondTheLibrary) {
 }
 
 TEST_F(InventoryOfAMachine, ReadsTheImageOfAServiceThatTheLibraryDoesNotFind) {
-  const Records records = Collect("").records;
+  const Records records = Collect({}).records;
   const Record* const found = Find(records, Kind::Service, "oinet");
   const Record* const unlike = Find(records, Kind::Service, "oiunlike");
   ASSERT_NE(found, nullptr);
@@ -96,8 +95,26 @@ TEST_F(InventoryOfAMachine, ReadsTheImageOfAServiceThatTheLibraryDoesNotFind) {
   EXPECT_EQ(unlike->description, found->description);
 }
 
+TEST_F(InventoryOfAMachine, IsInUtf8WhateverTheCodePageOfTheLibrary) {
+  const test::ScratchFile image(test::DriverPath("OiGeraet.sys"), L"images\\codepage.sys");
+  const test::DriverService service("OiGeraet", "System32\\drivers\\OiGeraet.sys");
+  const test::ScratchFile unlistedImage("C:\\oi\\OiFern.sys", L"images\\codepage.sys");
+  const test::DriverService unlisted("OiAnders", "\\??\\C:\\oi\\OiFern.sys");
+  // What the library gives in the code page of this machine, it is now said to give in another.
+  const std::string company = Orvane::AnsiFromUtf8("M\u00FCller Ger\u00E4te");
+  const std::string description = Orvane::AnsiFromUtf8("Treiber f\u00FCr Ger\u00E4te");
+  const test::WesternCodePage western;
+  const Records records = Collect({}).records;
+  for (const char* const key : {"oigeraet", "oianders"}) {
+    const Record* const found = Find(records, Kind::Service, key);
+    ASSERT_NE(found, nullptr) << key;
+    EXPECT_EQ(found->provider, Orvane::Utf8FromAnsi(company)) << key;
+    EXPECT_EQ(found->description, Orvane::Utf8FromAnsi(description)) << key;
+  }
+}
+
 TEST_F(InventoryOfAMachine, CountsTheDevicesOfAPackage) {
-  const Records records = Collect("").records;
+  const Records records = Collect({}).records;
   const Record* const package = Find(records, Kind::Package, "oem9001.inf");
   ASSERT_NE(package, nullptr);
   EXPECT_EQ(package->devices_using, 2u);
@@ -111,8 +128,8 @@ TEST_F(InventoryOfAMachine, CountsTheDevicesOfAPackage) {
 }
 
 TEST_F(InventoryOfAMachine, IsTheSameWhenItIsCollectedAgain) {
-  const Records first = Collect("").records;
-  const Records second = Collect("").records;
+  const Records first = Collect({}).records;
+  const Records second = Collect({}).records;
   ASSERT_EQ(first.size(), second.size());
   for (std::size_t i = 0; i < first.size(); ++i) {
     EXPECT_EQ(KeyOf(first[i]), KeyOf(second[i]));

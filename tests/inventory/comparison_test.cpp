@@ -134,9 +134,10 @@ TEST(Comparison, ShowsEveryMemberThatCounts) {
       Told({before}, {after}),
       ElementsAre("1 upgraded service key: provider 1 -> 2; version 1 -> 2; product_version 1 -> 2; path 1 -> 2; "
                   "state 1 -> 2; start_type 1 -> 2; image_missing  -> true; size 1 -> 2; inf 1 -> 2; "
-                  "original_inf  -> 2; inf_date 1 -> 2; class 1 -> 2; files x;1 -> x;2; problem_code 1 -> 2"));
+                  "original_inf  -> 2; inf_date 1 -> 2; class 1 -> 2; files x;1 -> x;2; problem_code 1 -> 2; signature "
+                  "1 -> 2; signer 1 -> 2"));
   const Change size = ChangesOf(Compare(Of({before}), Of({after})).differences.front())[7];
-  EXPECT_EQ(size.before, Value(std::uint64_t{1})) << "as a number";
+  EXPECT_EQ(std::get<std::uint64_t>(size.before), 1u) << "as a number";
 }
 
 TEST(Comparison, PassesOverMembersThatDoNotCount) {
@@ -150,6 +151,41 @@ TEST(Comparison, PassesOverMembersThatDoNotCount) {
   after.identity = "i";
   after.names = {"n"};
   EXPECT_THAT(Told({before}, {after}), IsEmpty());
+}
+
+/// A service whose image was verified.
+Record VerifiedService(const std::string& version, const std::string& imageHash, const std::string& signer) {
+  Record service = ServiceRecord("net", version);
+  service.signature = signer.empty() ? "unsigned" : "valid";
+  service.sha256 = "file " + imageHash + signer;
+  service.image_sha256 = imageHash;
+  service.signer = signer;
+  return service;
+}
+
+TEST(Comparison, ShowsAnImageThatChangedWhileItsVersionDidNot) {
+  EXPECT_THAT(Told({VerifiedService("1", "aa", "Maker")}, {VerifiedService("1", "bb", "Maker")}),
+              ElementsAre("1 changed service net: image_sha256 aa -> bb"));
+  EXPECT_THAT(Told({VerifiedService("1", "aa", "Maker")}, {VerifiedService("2", "bb", "Maker")}),
+              ElementsAre("1 upgraded service net: version 1 -> 2"))
+      << "another version is another image";
+}
+
+TEST(Comparison, ShowsAnotherSigner) {
+  EXPECT_THAT(Told({VerifiedService("1", "aa", "Maker")}, {VerifiedService("2", "bb", "Somebody")}),
+              ElementsAre("1 upgraded service net: version 1 -> 2; signer Maker -> Somebody"));
+  EXPECT_THAT(Told({VerifiedService("1", "aa", "Maker")}, {VerifiedService("1", "aa", "")}),
+              ElementsAre("1 changed service net: signature valid -> unsigned"));
+}
+
+TEST(Comparison, TakesAnInventoryThatWasNotVerifiedForNoDifference) {
+  const Record verified = VerifiedService("1", "aa", "Maker");
+  const Record plain = ServiceRecord("net", "1");
+  EXPECT_THAT(Told({verified}, {plain}), IsEmpty());
+  EXPECT_THAT(Told({plain}, {verified}), IsEmpty());
+  Comparer comparer(Of({verified}));
+  EXPECT_FALSE(comparer.Settle(VerifiedService("1", "bb", "Maker"), 2));
+  EXPECT_TRUE(comparer.Settle(plain, 2));
 }
 
 TEST(Comparison, IgnoresTheCaseThatWindowsIgnores) {
@@ -259,7 +295,7 @@ TEST(ComparisonGroups, AreUpdatesAlsoWhereTheOlderPackageStaysInTheStore) {
 
 TEST(ComparisonGroups, HaveWhatCameAndWentWithThePackage) {
   const Records all = {ServiceRecord("s", "1", "C:\\x\\S.SYS"), DeviceRecord("d", "1", "oem1.inf"),
-                       PackageRecord("oem1.inf", "1", "a.inf", {"s.sys"})};
+                       PackageRecord("oem1.inf", "1", "a.inf", {"S.sys"})};
   EXPECT_THAT(Told(all, {}), ElementsAre("1 removed package oem1.inf: version 1 -> ",
                                          "1 removed service s: version 1 -> ; path C:\\x\\S.SYS -> ",
                                          "1 removed device d: version 1 -> "));

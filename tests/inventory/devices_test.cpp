@@ -10,8 +10,10 @@
 
 #include <algorithm>
 
+#include "codepage.h"
 #include "importhook.h"
 #include "logcapture.h"
+#include "pciinfo.h"
 #include "scratchmachine.h"
 
 using namespace inventory;
@@ -100,6 +102,40 @@ TEST_F(DevicesOfAMachine, HaveTheProblemThatWindowsReports) {
   EXPECT_EQ(Found(nodes, "PCI\\VEN_1234&DEV_5678\\OI1").problem_code, 43u);
   EXPECT_EQ(Found(nodes, "PCI\\VEN_1234&DEV_5678\\OI2").problem_code, std::nullopt);
   EXPECT_EQ(Found(nodes, "PCI\\VEN_1234&DEV_5678\\OI3").problem_code, std::nullopt);
+}
+
+TEST(Devices, AreInUtf8WhateverTheCodePageOfTheDeviceInventory) {
+  HOOK(list, test::ThisProgram(), GetPciInfo, [](std::vector<Orvane::PciDeviceRecord>& devices) {
+    Orvane::PciDeviceRecord& device = devices.emplace_back();
+    for (const auto& [text, number] :
+         {std::pair(&device.text4, "1"), std::pair(&device.text3, "2"), std::pair(&device.description, "3"),
+          std::pair(&device.text14, "4"), std::pair(&device.provider, "5"), std::pair(&device.text7, "6"),
+          std::pair(&device.text11, "7"), std::pair(&device.vendor_id, "8"), std::pair(&device.device_id, "9"),
+          std::pair(&device.identity_part3, "10"), std::pair(&device.identity_part4, "11"),
+          std::pair(&device.inf_name, "12"), std::pair(&device.text12, "13"), std::pair(&device.text13, "14")}) {
+      *text = std::string("\xE4") + number;
+    }
+  });
+  const test::WesternCodePage western;
+  const std::vector<DeviceFacts> devices = ReadPresentDevices();
+  ASSERT_EQ(devices.size(), 1u);
+  const DeviceFacts& facts = devices.front();
+  std::vector<std::string> texts = {
+      facts.instance_id,    facts.hardware_id, facts.description, facts.friendly_name, facts.manufacturer,
+      facts.class_name,     facts.service,     facts.vendor_id,   facts.device_id,     facts.identity_part3,
+      facts.identity_part4, facts.inf,         facts.version,     facts.date};
+  for (std::size_t i = 0; i < texts.size(); ++i) EXPECT_EQ(texts[i], "\u00E4" + std::to_string(i + 1));
+}
+
+TEST(Devices, AreListedWhetherTheyArePresentOrNot) {
+  DWORD flags = 0;
+  HOOK(list, test::ThisProgram(), SetupDiGetClassDevsW,
+       [&](const GUID* guid, const wchar_t* enumerator, HWND window, DWORD which) {
+         flags = which;
+         return list.Real(guid, enumerator, window, which);
+       });
+  ReadDeviceNodes();
+  EXPECT_EQ(flags, static_cast<DWORD>(DIGCF_ALLCLASSES)) << "a device that is away keeps its package";
 }
 
 TEST(Devices, AreNotThereWhereWindowsDoesNotListThem) {

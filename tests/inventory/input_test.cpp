@@ -7,8 +7,8 @@
 
 #include "importhook.h"
 #include "platform/encoding.h"
-#include "program.h"
 #include "random.h"
+#include "temporaryfiles.h"
 
 using namespace inventory;
 
@@ -20,11 +20,7 @@ class InputFileTest : public testing::Test {
   std::wstring Path() const { return m_folder.Path(L"\u0436.json"); }
   std::string Utf8Path() const { return Orvane::Utf8FromWide(Path()); }
 
-  void Write(const std::string& bytes) const {
-    const Orvane::FileHandle file(CreateFileW(Path().c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr));
-    DWORD written = 0;
-    ASSERT_TRUE(WriteFile(file.get(), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr));
-  }
+  void Write(const std::string& bytes) const { test::WriteText(Path(), bytes); }
 
   /// What is read of a file that holds `bytes`.
   std::string Read(const std::string& bytes) const {
@@ -106,6 +102,15 @@ TEST_F(InputFileTest, IsReadAgainFromItsBeginning) {
   EXPECT_EQ(file.pubseekpos(0, std::ios_base::in), std::streampos(0));
   EXPECT_EQ(Text(file), "one \u0436");
   EXPECT_EQ(file.pubseekpos(1, std::ios_base::in), std::streampos(-1));
+}
+
+TEST_F(InputFileTest, MayBeOpenForWritingElsewhere) {
+  Write("text");
+  const Orvane::FileHandle writer(
+      CreateFileW(Path().c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
+  ASSERT_TRUE(writer);
+  InputFile file(Orvane::Utf8FromWide(Path()));
+  EXPECT_EQ(Text(file), "text");
 }
 
 TEST_F(InputFileTest, SaysWhyItCannotBeOpened) {

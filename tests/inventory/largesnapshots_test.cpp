@@ -11,7 +11,7 @@
 #include "inventory/input.h"
 #include "platform/encoding.h"
 #include "platform/handles.h"
-#include "program.h"
+#include "temporaryfiles.h"
 
 using namespace inventory;
 

@@ -73,11 +73,12 @@ TEST_F(PackagesOfAMachine, ComeInTheOrderOfTheirNumbersAndThenThoseInUse) {
   const std::vector<std::string> lines = {"[Version]", "Signature=\"$WINDOWS NT$\""};
   const test::ScratchFile ten(InfPath("oem9010.inf"), lines);
   const test::ScratchFile two(InfPath("OEM9002.inf"), lines);
+  const test::ScratchFile nine(InfPath("oem909.inf"), lines);
   const test::ScratchFile inbox(InfPath("net90.inf"), lines);
   const test::ScratchFile unused(InfPath("disk90.inf"), lines);
   std::vector<std::string> infs;
   for (const PackageFacts& package : OfThisTest({"NET90.INF", "oem9002.inf"})) infs.push_back(package.inf);
-  EXPECT_THAT(infs, ElementsAre("OEM9002.inf", "oem9010.inf", "NET90.INF"));
+  EXPECT_THAT(infs, ElementsAre("oem909.inf", "OEM9002.inf", "oem9010.inf", "NET90.INF"));
 }
 
 TEST_F(PackagesOfAMachine, HaveNothingButTheirNameWhenTheyCannotBeRead) {

@@ -32,9 +32,9 @@ TEST(ImagePath, HasItsVariablesExpanded) {
   const test::EnvironmentVariable variable("DRIVERINFO_TEST", "D:\\drivers");
   EXPECT_EQ(Image(L"%DRIVERINFO_TEST%\\a.sys"), L"D:\\drivers\\a.sys");
   EXPECT_EQ(Image(L"%DRIVERINFO_NO_SUCH%"), L"C:\\Windows\\%DRIVERINFO_NO_SUCH%");
+  const test::EnvironmentVariable longest("DRIVERINFO_TEST", std::string(5000, 'x'));
+  EXPECT_EQ(Image(L"%DRIVERINFO_TEST%"), L"C:\\Windows\\%DRIVERINFO_TEST%") << "no half of what is too long";
 }
-
-std::string DriverPath(const std::string& file) { return test::SystemDirectory() + "\\drivers\\" + file; }
 
 /// The services of this test, in short.
 std::vector<std::string> Described(const std::vector<ServiceFacts>& services) {
@@ -52,7 +52,7 @@ std::vector<std::string> Described(const std::vector<ServiceFacts>& services) {
 using ServicesOfAMachine = test::ScratchMachine;
 
 TEST_F(ServicesOfAMachine, AreAllThereWithOrWithoutImage) {
-  const test::ScratchFile image(DriverPath("OiThere.sys"), 4097);
+  const test::ScratchFile image(test::DriverPath("OiThere.sys"), 4097);
   const test::DriverService there("OiThere", "\\SystemRoot\\System32\\drivers\\OiThere.sys", SERVICE_BOOT_START);
   const test::DriverService other("OiOther", "system32\\DRIVERS\\oithere.sys", SERVICE_DISABLED,
                                   SERVICE_FILE_SYSTEM_DRIVER);
@@ -69,6 +69,51 @@ TEST_F(ServicesOfAMachine, AreAllThereWithOrWithoutImage) {
           "2006-06-21T13:05:09Z|4097",
           "OiThere|\\SystemRoot\\System32\\drivers\\OiThere.sys|C:\\windows\\System32\\drivers\\OiThere.sys|"
           "Stopped|Boot Start|2006-06-21T13:05:09Z|4097"));
+}
+
+/// The image of the service Oi, about which Windows says what `ask` does.
+template <typename Ask>
+std::vector<std::string> DescribedWhere(Ask ask) {
+  const test::DriverService service("Oi", "C:\\oi.sys");
+  HOOK(attributes, test::ThisProgram(), GetFileAttributesExW,
+       [&](const wchar_t*, GET_FILEEX_INFO_LEVELS, void* data) -> BOOL {
+         return ask(*static_cast<WIN32_FILE_ATTRIBUTE_DATA*>(data));
+       });
+  return Described(ReadServices());
+}
+
+TEST_F(ServicesOfAMachine, WithAnImageThatMayNotBeLookedAtDoNotMissIt) {
+  for (const auto& [error, text] :
+       {std::pair(ERROR_ACCESS_DENIED, ""), std::pair(ERROR_SHARING_VIOLATION, ""),
+        std::pair(ERROR_FILE_NOT_FOUND, "missing"), std::pair(ERROR_PATH_NOT_FOUND, "missing")}) {
+    const auto fail = [code = static_cast<DWORD>(error)](WIN32_FILE_ATTRIBUTE_DATA&) {
+      SetLastError(code);
+      return FALSE;
+    };
+    EXPECT_THAT(DescribedWhere(fail),
+                ElementsAre("Oi|C:\\oi.sys|C:\\oi.sys|Stopped|Manual|" + std::string(text) + "|"));
+  }
+}
+
+TEST_F(ServicesOfAMachine, MayHaveAnImageOfMoreThan4GiB) {
+  const auto large = [](WIN32_FILE_ATTRIBUTE_DATA& data) {
+    data = {};
+    data.nFileSizeHigh = 1;
+    data.nFileSizeLow = 5;
+    return TRUE;
+  };
+  EXPECT_THAT(DescribedWhere(large),
+              ElementsAre("Oi|C:\\oi.sys|C:\\oi.sys|Stopped|Manual|1601-01-01T00:00:00Z|4294967301"));
+}
+
+TEST_F(ServicesOfAMachine, MayHaveAConfigurationOfMoreThan4KiB) {
+  const std::string path = "C:\\" + std::string(2500, 'p');
+  const test::DriverService service("Oi", path);
+  const std::vector<ServiceFacts> services = ReadServices();
+  const auto found =
+      std::find_if(services.begin(), services.end(), [](const ServiceFacts& facts) { return facts.service == "Oi"; });
+  ASSERT_NE(found, services.end());
+  EXPECT_EQ(found->configured, path);
 }
 
 TEST(Services, AreNotThereWhereTheManagerCannotBeAsked) {

@@ -110,6 +110,66 @@ TEST(Snapshot, HoldsAllMembersAsDocumentsDo) {
 )");
 }
 
+TEST(Snapshot, HoldsWhatWasVerified) {
+  Record service = test::ServiceRecord("net", "1");
+  service.sha256 = std::string(64, 'a');
+  service.image_sha256 = std::string(64, 'b');
+  service.signature = "invalid";
+  service.signature_problem = "Broken. (0x80096010)";
+  service.signature_kind = "catalog";
+  service.catalog = "oem1.cat";
+  service.signer = "Ger\u00E4te";
+  service.signer_thumbprint = std::string(40, 'c');
+  service.signed_at = "2024-05-06T07:08:09Z";
+  service.known = {
+      {"List", "1", "evil.sys", trust::Category::Malicious, trust::MatchKind::ImageHash, {"CVE-1", "CVE-2"}},
+      {"List", "2", "", trust::Category::Vulnerable, trust::MatchKind::NameAndVersion, {}}};
+  Inventory inventory;
+  inventory.records = {service, test::ServiceRecord("other", "2")};
+  const std::string text = SnapshotText(inventory);
+  EXPECT_EQ(SnapshotText(test::ReadSnapshotText(text)), text);
+  EXPECT_THAT(text, testing::HasSubstr(R"("known": [
+        {
+          "list": "List",
+          "entry": "1",
+          "name": "evil.sys",
+          "category": "malicious",
+          "match": "image-hash",
+          "cve": [
+            "CVE-1",
+            "CVE-2"
+          ]
+        },
+        {
+          "list": "List",
+          "entry": "2",
+          "category": "vulnerable",
+          "match": "name-and-version"
+        }
+      ])"));
+}
+
+TEST(Snapshot, IsDamagedWhereItsMatchesAreNone) {
+  const auto problem = [](const std::string& known) {
+    try {
+      test::ReadSnapshotText(R"({"kind": "driverlist snapshot", "schema_version": 2, "drivers": [{"kind": "service",
+          "name": "a", "known": )" +
+                             known + "}]}");
+      return std::string();
+    } catch (const InputProblem& refused) {
+      return std::string(refused.what());
+    }
+  };
+  EXPECT_EQ(problem("null"), "");
+  EXPECT_EQ(problem(R"([{"list": 1, "cve": 2, "new": {"cve": [[{}]]}, "match": "later", "category": null}])"), "");
+  EXPECT_EQ(problem("1"), "is damaged: driver 1 (a): known is a whole number, where an array of objects is expected");
+  EXPECT_EQ(problem("{}"), "is damaged: driver 1 (a): known is an object, where an array of objects is expected");
+  EXPECT_EQ(problem("[[]]"),
+            "is damaged: driver 1 (a): known is an array with an array in it, where an array of objects is expected");
+  EXPECT_EQ(problem("[\"x\"]"),
+            "is damaged: driver 1 (a): known is an array with a text in it, where an array of objects is expected");
+}
+
 TEST(Snapshot, MayHaveItsMembersInAnyOrder) {
   // This type sorts them: drivers, which come before what says how to read them, host, kind ...
   const std::string sorted = nlohmann::json::parse(SnapshotText(FourRecords())).dump();
@@ -121,7 +181,8 @@ TEST(Snapshot, MayHaveItsMembersInAnyOrder) {
 
 TEST(Snapshot, MayHaveMembersThatAreNotKnown) {
   Json json = Snapshot();
-  for (Json* const object : {&json, &json["drivers"][0], &json["drivers"][3]}) {
+  // The document last: a new member moves what is in it.
+  for (Json* const object : {&json["drivers"][0], &json["drivers"][3], &json}) {
     (*object)["colour"] =
         Json::parse(R"({"name": 5, "kind": [], "drivers": [{"name": 1, "files": {}}], "c": [[1, [2]]]})");
     (*object)["found_by"] = 5;

@@ -1,3 +1,4 @@
+#include <array>
 #include <set>
 
 #include "inventory/inventory.h"
@@ -25,19 +26,38 @@ std::set<std::string> InfsInUse(const std::vector<DeviceFacts>& devices) {
   return infs;
 }
 
-Facts ReadFacts() {
+struct ReadingStep {
+  std::string_view what;
+  void (*read)(Facts& facts);
+};
+
+constexpr std::array<ReadingStep, 6> ReadingSteps = {
+    {{"drivers of devices", [](Facts& facts) { facts.listedDevices = Listed(ListingMode::ByDevice); }},
+     {"drivers of services", [](Facts& facts) { facts.listedServices = Listed(ListingMode::Registered); }},
+     {"services", [](Facts& facts) { facts.services = ReadServices(); }},
+     {"present devices", [](Facts& facts) { facts.devices = ReadPresentDevices(); }},
+     {"all devices", [](Facts& facts) { facts.nodes = ReadDeviceNodes(); }},
+     {"packages", [](Facts& facts) { facts.packages = ReadPackages(InfsInUse(facts.devices)); }}}};
+
+Facts ReadFacts(const CollectOptions& options) {
   Facts facts;
-  facts.listedDevices = Listed(ListingMode::ByDevice);
-  facts.listedServices = Listed(ListingMode::Registered);
-  facts.services = ReadServices();
-  facts.devices = ReadPresentDevices();
-  facts.nodes = ReadDeviceNodes();
-  facts.packages = ReadPackages(InfsInUse(facts.devices));
+  std::uint64_t done = 0;
+  for (const ReadingStep& step : ReadingSteps) {
+    if (options.progress && !options.progress({step.what, done++, ReadingSteps.size()})) throw CollectionStopped();
+    step.read(facts);
+  }
   return facts;
 }
 
 }  // namespace
 
-Inventory Collect(const std::string& hostId) { return {ThisMachine(hostId), Join(ReadFacts(), &ReadImage)}; }
+Inventory Collect(const CollectOptions& options) {
+  Inventory inventory{ThisMachine(options.hostId), Join(ReadFacts(options), &ReadImage)};
+  if (!options.verification) return inventory;
+  inventory.isVerified = Verify(inventory.records, *options.verification);
+  if (!inventory.isVerified) throw CollectionStopped();
+  if (options.verification->known != nullptr) inventory.lists = options.verification->known->Lists();
+  return inventory;
+}
 
 }  // namespace inventory

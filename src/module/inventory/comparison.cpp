@@ -60,6 +60,26 @@ int OrderByMembers(const Record& a, const Record& b) {
   return 0;
 }
 
+/// Whether both know the member and have another value. Not for ordering: of three records, the first and the last can
+/// differ although neither differs from the one between, which does not know it.
+bool DiffersWhereKnown(const Record& a, const Record& b, const Member& member) {
+  if (!member.isComparedIfKnown || (member.isComparedInSameVersion && a.version != b.version)) return false;
+  const Value before = ValueOf(a, member);
+  const Value after = ValueOf(b, member);
+  const bool isKnown =
+      !std::holds_alternative<std::monostate>(before) && !std::holds_alternative<std::monostate>(after);
+  return isKnown && TextOf(before) != TextOf(after);
+}
+
+bool DiffersWhereKnown(const Record& a, const Record& b) {
+  return std::any_of(Members().begin(), Members().end(),
+                     [&](const Member& member) { return DiffersWhereKnown(a, b, member); });
+}
+
+bool Differs(const Record& a, const Record& b, const Member& member) {
+  return (member.isCompared && OrderByMember(a, b, member) != 0) || DiffersWhereKnown(a, b, member);
+}
+
 int OrderNewestFirst(const Record& a, const Record& b) {
   return a.version == b.version ? 0 : VersionKey(b.version).compare(VersionKey(a.version));
 }
@@ -291,7 +311,7 @@ std::vector<Change> ChangesOf(const Difference& difference) {
   const bool isPair = before != nullptr && after != nullptr;
   std::vector<Change> changes;
   for (const Member& member : Members()) {
-    if (isPair && member.isCompared && OrderByMember(*before, *after, member) != 0) {
+    if (isPair && Differs(*before, *after, member)) {
       changes.push_back({&member, ValueOf(*before, member), ValueOf(*after, member)});
     }
     if (isPair || !member.introduces) continue;
@@ -343,7 +363,8 @@ bool Comparer::Settle(const Record& record, unsigned schema) {
   if (first == m_sorted.end()) return false;
   std::size_t& settled = m_settled[static_cast<std::size_t>(first - m_sorted.begin())];
   if (settled == static_cast<std::size_t>(m_sorted.end() - first)) return false;
-  if (OrderByAll(**(first + static_cast<std::ptrdiff_t>(settled)), record, keys) != 0) return false;
+  const Record& partner = **(first + static_cast<std::ptrdiff_t>(settled));
+  if (OrderByAll(partner, record, keys) != 0 || DiffersWhereKnown(partner, record)) return false;
   ++settled;
   ++m_comparison.same;
   return true;

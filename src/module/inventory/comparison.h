@@ -76,8 +76,10 @@ struct Comparison {
 /// delivered under one name are the same, from the newest on. Where several records have one key, those without any
 /// difference belong together, then those with one path, then, from the newest on, those that are left.
 ///
-/// Compared are the members whose isCompared is set, ignoring case where Windows does. Another version is an upgrade or
-/// a downgrade by IsOlder(), and a change where one of the two is unknown or that order does not tell them apart.
+/// Compared are the members whose isCompared or isComparedIfKnown is set, ignoring case where Windows does. A signer or
+/// a state of a signature makes a difference only where both inventories were verified, and so does the hash of an
+/// image, whose version must be the same besides. Another version is an upgrade or a downgrade by IsOlder(), and a
+/// change where one of the two is unknown or that order does not tell them apart.
 ///
 /// The update of a package is one group with
 /// - the differences of devices that are, or were, installed from it;

@@ -8,6 +8,7 @@
 #include "inventory/filenames.h"
 #include "inventory/predicates.h"
 #include "inventory/problems.h"
+#include "inventory/systemfolders.h"
 #include "inventory/versionkey.h"
 #include "platform/encoding.h"
 
@@ -17,6 +18,13 @@ namespace {
 using Findings = std::vector<Finding>;
 using Texts = std::vector<std::string>;
 
+constexpr std::string_view KnownMalicious = "known-malicious";
+constexpr std::string_view KnownVulnerable = "known-vulnerable";
+constexpr std::string_view SignatureInvalid = "signature-invalid";
+constexpr std::string_view Unsigned = "unsigned";
+constexpr std::string_view ListedName = "listed-name";
+constexpr std::string_view ImageInUserFolder = "image-in-user-folder";
+constexpr std::string_view DeviceProblem = "device-problem";
 constexpr std::string_view DeviceWithoutDriver = "device-without-driver";
 constexpr std::string_view NotRunning = "not-running";
 constexpr std::string_view ImageMissing = "image-missing";
@@ -34,6 +42,79 @@ std::string Joined(const Texts& texts) {
   return joined;
 }
 
+// --- Images that were verified
+
+/// "C:\\net.sys, signed by Maker (valid), SHA-256 12ab"
+std::string ImageText(const Record& service) {
+  std::string text = service.path;
+  if (!service.signer.empty()) text += ", signed by " + service.signer + " (" + service.signature + ")";
+  return service.sha256.empty() ? text : text + ", SHA-256 " + service.sha256;
+}
+
+/// "listed by LOLDrivers as evil.sys (1234), file-hash, CVE-2024-1"
+std::string MatchText(const trust::KnownMatch& match) {
+  std::string text =
+      "listed by " + match.list + " as " + (match.name.empty() ? "" : match.name + " ") + "(" + match.entry + "), ";
+  text += trust::NameOf(match.kind);
+  for (const std::string& cve : match.cves) text += ", " + cve;
+  return text;
+}
+
+std::string MatchesText(const Record& service) {
+  std::string text;
+  for (const trust::KnownMatch& match : service.known) {
+    // Beside the image itself, its name says nothing.
+    if (IsListed(match) || HasListedName(service)) text += (text.empty() ? "" : "; ") + MatchText(match);
+  }
+  return text;
+}
+
+template <bool (*Predicate)(const Record&), const std::string_view& Rule>
+void FindKnown(const Records& records, Findings& findings) {
+  for (const Record& service : records) {
+    if (Predicate(service)) Add(findings, Rule, service.service, MatchesText(service) + ": " + ImageText(service));
+  }
+}
+
+void FindInvalidSignatures(const Records& records, Findings& findings) {
+  for (const Record& service : records) {
+    if (!HasInvalidSignature(service)) continue;
+    Add(findings, SignatureInvalid, service.service, service.signature_problem + ": " + ImageText(service));
+  }
+}
+
+void FindUnsigned(const Records& records, Findings& findings) {
+  for (const Record& service : records) {
+    if (IsUnsigned(service)) Add(findings, Unsigned, service.service, ImageText(service));
+  }
+}
+
+void FindImagesInUserFolders(const Records& records, Findings& findings) {
+  const SystemFolders folders(records);
+  for (const Record& service : records) {
+    if (!IsService(service) || IsImageMissing(service) || folders.Hold(service.path)) continue;
+    Add(findings, ImageInUserFolder, service.service, ImageText(service));
+  }
+}
+
+// --- Devices, services and packages
+
+std::string ProblemText(const Record& device) {
+  const std::string name(ProblemName(*device.problem_code));
+  return "problem " + std::to_string(*device.problem_code) + (name.empty() ? "" : " (" + name + ")");
+}
+
+std::string DeviceText(const Record& device) {
+  const std::string text = device.description.empty() ? device.identity : device.description;
+  return device.provider.empty() ? text : text + " by " + device.provider;
+}
+
+void FindDeviceProblems(const Records& records, Findings& findings) {
+  for (const Record& device : records) {
+    if (HasProblem(device)) Add(findings, DeviceProblem, device.name, ProblemText(device) + ": " + DeviceText(device));
+  }
+}
+
 /// Those of a package's files that a service can load.
 Texts DriverFiles(const Record& package) {
   Texts drivers;
@@ -44,13 +125,8 @@ Texts DriverFiles(const Record& package) {
 void FindDevicesWithoutDriver(const Records& records, Findings& findings) {
   for (const Record& device : records) {
     if (!HasNoDriver(device)) continue;
-    std::string evidence = device.description.empty() ? device.identity : device.description;
-    if (!device.provider.empty()) evidence += " by " + device.provider;
-    if (HasProblem(device)) {
-      const std::string name(ProblemName(*device.problem_code));
-      evidence += ", problem " + std::to_string(*device.problem_code) + (name.empty() ? "" : " (" + name + ")");
-    }
-    Add(findings, DeviceWithoutDriver, device.name, evidence);
+    Add(findings, DeviceWithoutDriver, device.name,
+        DeviceText(device) + (HasProblem(device) ? ", " + ProblemText(device) : std::string()));
   }
 }
 
@@ -150,8 +226,16 @@ void FindUnusedPackages(const Records& records, Findings& findings) {
   }
 }
 
-constexpr std::array<HealthRule, 6> Rules = {
-    {{DeviceWithoutDriver, "devices that are present and have no driver", &FindDevicesWithoutDriver},
+constexpr std::array<HealthRule, 13> Rules = {
+    {{KnownMalicious, "images that a list knows as malicious", &FindKnown<&IsKnownMalicious, KnownMalicious>, true},
+     {KnownVulnerable, "images that a list knows as vulnerable", &FindKnown<&IsKnownVulnerable, KnownVulnerable>},
+     {SignatureInvalid, "images with a signature that does not hold", &FindInvalidSignatures},
+     {Unsigned, "images without a signature", &FindUnsigned},
+     {ListedName, "images with the name and version of a listed driver, but not that file",
+      &FindKnown<&HasListedName, ListedName>},
+     {ImageInUserFolder, "images outside the folders of Windows and of programs", &FindImagesInUserFolders},
+     {DeviceProblem, "devices for which Windows reports a problem", &FindDeviceProblems},
+     {DeviceWithoutDriver, "devices that are present and have no driver", &FindDevicesWithoutDriver},
      {NotRunning, "boot, system and automatic start services that do not run", &FindNotRunning},
      {ImageMissing, "services whose image is not where their configuration expects it", &FindMissingImages},
      {NoVersionOrCompany, "drivers without a version or a company", &FindNoVersionOrCompany},
@@ -160,7 +244,7 @@ constexpr std::array<HealthRule, 6> Rules = {
 
 }  // namespace
 
-const std::array<HealthRule, 6>& HealthRules() { return Rules; }
+const std::array<HealthRule, 13>& HealthRules() { return Rules; }
 
 std::vector<Finding> Examine(const Records& records) {
   Findings findings;

@@ -29,10 +29,12 @@ struct HealthRule {
   /// Appends a finding for each thing that it finds, in the order of `records`; drivers of several versions in that of
   /// their names.
   void (*apply)(const Records& records, std::vector<Finding>& findings);
+  /// Whether what it finds cannot wait.
+  bool isAlarm = false;
 };
 
 /// All rules, in the order in which findings are reported.
-const std::array<HealthRule, 6>& HealthRules();
+const std::array<HealthRule, 13>& HealthRules();
 
 /// What all rules find in an inventory. Asks nothing of Windows.
 std::vector<Finding> Examine(const Records& records);

@@ -4,21 +4,17 @@
 
 #include <array>
 #include <cstdint>
-#include <stdexcept>
 #include <streambuf>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "platform/handles.h"
+#include "platform/inputproblem.h"
 
 namespace inventory {
 
-/// Why a file is of no use. what() continues a sentence that begins with the file's path: "cannot be read: it is a
-/// folder".
-struct InputProblem : std::runtime_error {
-  using std::runtime_error::runtime_error;
-};
+using Orvane::InputProblem;
 
 /// The longest file that is read, in bytes.
 constexpr std::uint64_t LongestInput = 1u << 30;

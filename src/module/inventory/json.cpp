@@ -3,8 +3,22 @@
 namespace inventory {
 namespace {
 
+Json JsonOf(const trust::KnownMatch& match) {
+  Json json = {{"list", match.list}, {"entry", match.entry}};
+  if (!match.name.empty()) json["name"] = match.name;
+  json["category"] = trust::NameOf(match.category);
+  json["match"] = trust::NameOf(match.kind);
+  if (!match.cves.empty()) json["cve"] = match.cves;
+  return json;
+}
+
 struct ToJson {
   Json operator()(std::monostate) const { return nullptr; }
+  Json operator()(const std::vector<trust::KnownMatch>& matches) const {
+    Json json = Json::array();
+    for (const trust::KnownMatch& match : matches) json.push_back(JsonOf(match));
+    return json;
+  }
   template <typename T>
   Json operator()(const T& value) const {
     return value;

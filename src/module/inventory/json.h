@@ -2,16 +2,55 @@
 /// Heads and records as JSON.
 #pragma once
 
+#include <cstdint>
+#include <memory>
 #include <nlohmann/json.hpp>
 #include <string>
+#include <vector>
 
 #include "inventory/head.h"
 #include "inventory/members.h"
 
 namespace inventory {
 
+/// The library's own conversions. That the type is ours makes Json one, whose destruction can be ours.
+template <typename T, typename Enable>
+struct JsonConversion : nlohmann::adl_serializer<T, Enable> {};
+
 /// Keeps the order of members.
-using Json = nlohmann::ordered_json;
+using Json = nlohmann::basic_json<nlohmann::ordered_map, std::vector, std::string, bool, std::int64_t, std::uint64_t,
+                                  double, std::allocator, JsonConversion>;
+
+/// Destroys what a value of JSON owns, and gives its memory back as the library got it.
+template <typename T>
+void DestroyOwned(T* owned) noexcept {
+  std::destroy_at(owned);
+  std::allocator<T>().deallocate(owned, 1);
+}
+
+}  // namespace inventory
+
+/// Destroys an array or an object by its own destructor. The library's definition first moves the elements into a
+/// vector, so that deep nesting does not use up the stack; but that vector needs memory, in a destructor, and the
+/// process ends where there is none. Documents nest a few levels only.
+template <>
+inline void inventory::Json::json_value::destroy(value_t type) {
+  switch (type) {
+    case value_t::object:
+      return inventory::DestroyOwned(object);
+    case value_t::array:
+      return inventory::DestroyOwned(array);
+    case value_t::string:
+      return inventory::DestroyOwned(string);
+    case value_t::binary:
+      return inventory::DestroyOwned(binary);
+    default:
+      // The others own nothing.
+      return;
+  }
+}
+
+namespace inventory {
 
 /// Version of the documents that the program writes.
 constexpr unsigned SchemaVersion = 2;

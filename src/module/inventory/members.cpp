@@ -14,8 +14,31 @@ std::string ProblemText(const Record& record) {
   return record.problem_code ? std::string(ProblemName(*record.problem_code)) : std::string();
 }
 
+/// "LOLDrivers: some.sys (1234), malicious, file-hash, CVE-2024-1"
+std::string TextOf(const trust::KnownMatch& match) {
+  std::string text = match.list + ": " + (match.name.empty() ? match.entry : match.name + " (" + match.entry + ")");
+  text.append(", ").append(trust::NameOf(match.category)).append(", ").append(trust::NameOf(match.kind));
+  for (const std::string& cve : match.cves) text += ", " + cve;
+  return text;
+}
+
+std::string TextOf(const std::vector<trust::KnownMatch>& matches) {
+  std::string text;
+  for (const trust::KnownMatch& match : matches) text += (text.empty() ? "" : ";") + TextOf(match);
+  return text;
+}
+
+std::string KnownText(const Record& record) { return TextOf(record.known); }
+
 /// A member in the making: a line of the table says only what is special.
-struct Making : Member {
+class Making : public Member {
+  template <typename T>
+  constexpr Making& Set(T& property, T value) {
+    property = value;
+    return *this;
+  }
+
+ public:
   constexpr Making(std::string_view itsName, std::string_view itsLabel, ValueType itsType, Source itsSource,
                    unsigned itsWidth) {
     name = itsName;
@@ -41,21 +64,17 @@ struct Making : Member {
   constexpr Making& Compared() { return Set(isCompared, true); }
   /// Compared, and Windows ignores its case.
   constexpr Making& ComparedInAnyCase() { return Compared().Set(ignoresCase, true); }
+  constexpr Making& Verified() { return Set(isOfVerification, true); }
+  constexpr Making& ComparedIfKnown() { return Set(isComparedIfKnown, true); }
+  constexpr Making& ComparedInSameVersion() { return ComparedIfKnown().Set(isComparedInSameVersion, true); }
   constexpr Making& Introduces() { return Set(introduces, true); }
-
- private:
-  template <typename T>
-  constexpr Making& Set(T& property, T value) {
-    property = value;
-    return *this;
-  }
 };
 
 using M = Making;
 using R = Record;
 using T = ValueType;
 
-constexpr std::array<Member, 26> All = {
+constexpr std::array<Member, 36> All = {
     M("kind", "Kind", T::Text, &KindText, 8).Table(1, 7).Page(1),
     M("name", "Name", T::Text, &R::name, 18).Table(2, 20).Page(2).Title(),
     M("description", "Description", T::Text, &R::description, 20).Page(3),
@@ -81,7 +100,17 @@ constexpr std::array<Member, 26> All = {
     M("identity", "Identity", T::Text, &R::identity, 19),
     M("names", "Names", T::Texts, &R::names, 24),
     M("problem_code", "Problem code", T::Number, &R::problem_code, 9).Compared(),
-    M("problem", "Problem", T::Text, &ProblemText, 16)};
+    M("problem", "Problem", T::Text, &ProblemText, 16),
+    M("sha256", "SHA-256", T::Text, &R::sha256, 20).Verified(),
+    M("image_sha256", "SHA-256 of the image", T::Text, &R::image_sha256, 20).Verified().ComparedInSameVersion(),
+    M("signature", "Signature", T::Text, &R::signature, 9).Verified().Table(10, 9).Page(12).ComparedIfKnown(),
+    M("signature_problem", "Problem of the signature", T::Text, &R::signature_problem, 24).Verified(),
+    M("signature_kind", "Kind of signature", T::Text, &R::signature_kind, 9).Verified(),
+    M("catalog", "Catalog", T::Text, &R::catalog, 14).Verified(),
+    M("signer", "Signer", T::Text, &R::signer, 18).Verified().WideTable(11, 12).Page(13).ComparedIfKnown(),
+    M("signer_thumbprint", "Thumbprint of the signer", T::Text, &R::signer_thumbprint, 20).Verified(),
+    M("signed_at", "Signed", T::Time, &R::signed_at, 14).Verified(),
+    M("known", "Known as", T::Known, &KnownText, 30).Verified().Table(12, 16).Page(14)};
 
 struct ToText {
   std::string operator()(std::monostate) const { return std::string(); }
@@ -93,13 +122,14 @@ struct ToText {
     for (const std::string& text : texts) joined += (&text == &texts.front() ? "" : ";") + text;
     return joined;
   }
+  std::string operator()(const std::vector<trust::KnownMatch>& matches) const { return TextOf(matches); }
 };
 
 }  // namespace
 
 std::string TextOf(const Value& value) { return std::visit(ToText(), value); }
 
-const std::array<Member, 26>& Members() { return All; }
+const std::array<Member, 36>& Members() { return All; }
 
 const Member* FindMember(std::string_view name) {
   const auto found = std::find_if(All.begin(), All.end(), [name](const Member& member) { return member.name == name; });

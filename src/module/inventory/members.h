@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <variant>
 #include <vector>
 
@@ -28,14 +29,17 @@ enum class ValueType {
   /// True, or nothing.
   Flag,
   /// An array of texts.
-  Texts
+  Texts,
+  /// An array of matches with lists of known drivers.
+  Known
 };
 
 /// Nothing when it is unknown or does not apply.
-using Value = std::variant<std::monostate, std::string, std::uint64_t, bool, std::vector<std::string>>;
+using Value = std::variant<std::monostate, std::string, std::uint64_t, bool, std::vector<std::string>,
+                           std::vector<trust::KnownMatch>>;
 
-/// `value` in words for a cell: a number in decimal digits, a flag as "true", texts joined by ";", nothing as the empty
-/// text.
+/// `value` in words for a cell: a number in decimal digits, a flag as "true", texts joined by ";", matches as texts,
+/// and nothing as the empty text.
 std::string TextOf(const Value& value);
 
 /// How a column of values presents itself, whoever has them.
@@ -59,6 +63,8 @@ struct Column {
   bool isTitle = false;
   /// Whether a table of less than 120 characters does without it, unless it was chosen.
   bool isForWideTables = false;
+  /// Whether it is empty unless the inventory was verified: then its places do not count either.
+  bool isOfVerification = false;
 };
 
 /// A column whose values an `Owner` has.
@@ -66,11 +72,16 @@ template <typename Owner>
 struct MemberOf : Column {
   using Source = std::variant<std::string Owner::*, std::optional<std::uint64_t> Owner::*, bool Owner::*,
                               std::vector<std::string> Owner::*, std::string (*)(const Owner&)>;
+  /// Of Known: the same in words.
   Source source;
   /// Whether another value makes a difference between two inventories of a machine.
   bool isCompared = false;
   /// Whether Windows ignores the case of its texts, so that another case makes no difference.
   bool ignoresCase = false;
+  /// Whether it makes none where only one of the inventories knows it, since the other was not verified.
+  bool isComparedIfKnown = false;
+  /// Whether it makes none where the versions differ, since it follows from them.
+  bool isComparedInSameVersion = false;
   /// Whether it is shown of a record that only one of two inventories has.
   bool introduces = false;
 };
@@ -78,7 +89,7 @@ struct MemberOf : Column {
 using Member = MemberOf<Record>;
 
 /// All members of a record, in the order of the documents.
-const std::array<Member, 26>& Members();
+const std::array<Member, 36>& Members();
 
 /// The member called `name`; null when there is none.
 const Member* FindMember(std::string_view name);
@@ -93,6 +104,9 @@ inline Value ToValue(const std::vector<std::string>& texts) { return texts.empty
 /// What `owner` has of `member`.
 template <typename Owner>
 Value ValueOf(const Owner& owner, const MemberOf<Owner>& member) {
+  if constexpr (std::is_same_v<Owner, Record>) {
+    if (member.type == ValueType::Known) return owner.known.empty() ? Value() : Value(owner.known);
+  }
   return std::visit(
       [&owner](auto source) {
         if constexpr (std::is_member_pointer_v<decltype(source)>) {

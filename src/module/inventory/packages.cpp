@@ -6,6 +6,8 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
+#include <cstddef>
 #include <cstdio>
 #include <cwchar>
 #include <utility>
@@ -142,15 +144,20 @@ std::vector<PackageFacts> ReadPackages(const std::set<std::string>& inUse) {
 }
 
 std::string IsoDate(const std::string& date) {
-  unsigned month = 0;
-  unsigned day = 0;
-  unsigned year = 0;
-  char first = 0;
-  char second = 0;
-  int read = 0;
-  if (std::sscanf(date.c_str(), "%2u%c%2u%c%4u%n", &month, &first, &day, &second, &year, &read) != 5) return {};
-  const bool isWhole =
-      static_cast<std::size_t>(read) == date.size() && first == second && (first == '/' || first == '-');
+  const char* next = date.data();
+  const char* const end = next + date.size();
+  const auto read = [&next, end](std::ptrdiff_t mostDigits) {
+    unsigned number = 0;
+    next = std::from_chars(next, next + std::min(mostDigits, end - next), number).ptr;
+    return number;
+  };
+  const auto sign = [&next, end] { return next == end ? '\0' : *next++; };
+  const unsigned month = read(2);
+  const char first = sign();
+  const unsigned day = read(2);
+  const char second = sign();
+  const unsigned year = read(4);
+  const bool isWhole = next == end && first == second && (first == '/' || first == '-');
   if (!isWhole || month < 1 || month > 12 || day < 1 || day > 31 || year < 1601) return {};
   char text[40];
   std::snprintf(text, sizeof(text), "%04u-%02u-%02u", year, month, day);

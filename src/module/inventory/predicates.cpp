@@ -1,12 +1,21 @@
 #include "inventory/predicates.h"
 
+#include <algorithm>
+
 #include "inventory/filenames.h"
 #include "platform/encoding.h"
+#include "trust/signature.h"
 
 namespace inventory {
 namespace {
 
 bool BeginsWith(std::string_view text, std::string_view prefix) { return text.substr(0, prefix.size()) == prefix; }
+
+bool IsListedAs(const Record& record, trust::Category category) {
+  return std::any_of(record.known.begin(), record.known.end(), [category](const trust::KnownMatch& match) {
+    return IsListed(match) && match.category == category;
+  });
+}
 
 }  // namespace
 
@@ -22,6 +31,22 @@ bool StartsByItself(const Record& record) {
 }
 
 bool IsImageMissing(const Record& record) { return IsService(record) && record.image_missing; }
+
+bool IsVerified(const Record& record) { return !record.signature.empty(); }
+bool IsUnsigned(const Record& record) { return record.signature == trust::NameOf(trust::SignatureState::Unsigned); }
+bool HasInvalidSignature(const Record& record) {
+  return record.signature == trust::NameOf(trust::SignatureState::Invalid);
+}
+
+bool IsListed(const trust::KnownMatch& match) { return match.kind != trust::MatchKind::NameAndVersion; }
+
+bool IsKnownMalicious(const Record& record) { return IsListedAs(record, trust::Category::Malicious); }
+bool IsKnownVulnerable(const Record& record) {
+  return IsListedAs(record, trust::Category::Vulnerable) && !IsKnownMalicious(record);
+}
+bool HasListedName(const Record& record) {
+  return !record.known.empty() && std::none_of(record.known.begin(), record.known.end(), &IsListed);
+}
 
 bool HasNoDriver(const Record& record) { return IsDevice(record) && record.inf.empty(); }
 

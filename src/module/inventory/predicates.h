@@ -21,6 +21,27 @@ bool StartsByItself(const Record& record);
 /// A service whose configured image is not there.
 bool IsImageMissing(const Record& record);
 
+/// A service whose image was looked at; not one whose image is missing.
+bool IsVerified(const Record& record);
+
+/// An image without a signature, by the platform's word.
+bool IsUnsigned(const Record& record);
+
+/// An image with a signature that does not hold.
+bool HasInvalidSignature(const Record& record);
+
+/// Whether the image itself is on a list, rather than its name.
+bool IsListed(const trust::KnownMatch& match);
+
+/// An image that a list knows as malicious.
+bool IsKnownMalicious(const Record& record);
+
+/// An image that a list knows as vulnerable, and no list as malicious.
+bool IsKnownVulnerable(const Record& record);
+
+/// An image that has name and version of a listed one, and is none itself.
+bool HasListedName(const Record& record);
+
 /// A device from no package: nothing was installed for it.
 bool HasNoDriver(const Record& record);
 

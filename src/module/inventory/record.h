@@ -9,6 +9,8 @@
 #include <string_view>
 #include <vector>
 
+#include "trust/knownmatch.h"
+
 /// All that is known of a machine's drivers. Every text is UTF-8.
 namespace inventory {
 
@@ -91,6 +93,30 @@ struct Record {
   std::vector<std::string> names;
   /// Device: problem that Windows reports for it; never 0.
   std::optional<std::uint64_t> problem_code;
+
+  // Service: what its image is by Verify(); all are empty for an inventory that was not verified. Hashes are
+  // hexadecimal, in lower case.
+
+  /// Of the file.
+  std::string sha256;
+  /// Of the image (Authenticode): it stays the same when the image is signed again.
+  std::string image_sha256;
+  /// "valid", "invalid", "unsigned" or "unknown"; empty where there is no image.
+  std::string signature;
+  /// Why it is not valid: the platform's sentence and code.
+  std::string signature_problem;
+  /// "embedded" or "catalog".
+  std::string signature_kind;
+  /// File name of the catalog that holds the signature.
+  std::string catalog;
+  /// Common name of the certificate that signed.
+  std::string signer;
+  /// SHA-1 of that certificate.
+  std::string signer_thumbprint;
+  /// Time of the time stamp, UTC, "2024-05-06T07:08:09Z".
+  std::string signed_at;
+  /// The entries of the lists of known drivers that know it.
+  std::vector<trust::KnownMatch> known;
 };
 
 /// A deque: a large snapshot is read without ever needing its room twice.

@@ -6,18 +6,25 @@
 #include <utility>
 #include <vector>
 
-#include "inventory/json.h"
-#include "inventory/jsoninput.h"
+#include "inventory/documents.h"
+#include "inventory/input.h"
 #include "inventory/predicates.h"
 #include "inventory/schema1.h"
+#include "platform/jsoninput.h"
 
 namespace inventory {
 namespace {
+
+using Orvane::DamagedJson;
+using Orvane::JsonEvents;
+using Orvane::JsonScalar;
+using Orvane::JsonType;
 
 constexpr char KindMember[] = "kind";
 constexpr char SnapshotKind[] = "driverlist snapshot";
 constexpr char SchemaMember[] = "schema_version";
 constexpr char DriversMember[] = "drivers";
+constexpr char KnownMember[] = "known";
 
 /// Whether a record has `member` itself, rather than by what follows from others.
 bool IsOwn(const Member& member) { return !std::holds_alternative<std::string (*)(const Record&)>(member.source); }
@@ -39,7 +46,7 @@ std::string Mismatch(const std::string& name, const std::string& found, const st
   return name + " is " + found + ", where " + expected + " is expected";
 }
 
-std::string Described(JsonType type) { return std::string(JsonTypeName(type)); }
+std::string Described(JsonType type) { return std::string(Orvane::JsonTypeName(type)); }
 
 using Sources = std::map<std::string, Member::Source, std::less<>>;
 
@@ -109,6 +116,10 @@ class SnapshotReader final : public JsonEvents {
 
   void Name(const std::string& name) override {
     if (Here() == Place::Elsewhere) return;
+    if (Here() == Place::Match) {
+      m_matchMember = name;
+      return;
+    }
     m_name = name;
     if (Here() != Place::Record) return;
     const auto found = m_sources.find(name);
@@ -128,13 +139,22 @@ class SnapshotReader final : public JsonEvents {
       case Place::Texts:
         AddText(value);
         break;
+      case Place::Matches:
+        RefuseMatches(value.type);
+        break;
+      case Place::Match:
+        SetOfMatch(value);
+        break;
+      case Place::Cves:
+        Current().known.back().cves.emplace_back(value.text);
+        break;
       case Place::Elsewhere:
         break;
     }
   }
 
  private:
-  enum class Place { Document, Drivers, Record, Texts, Elsewhere };
+  enum class Place { Document, Drivers, Record, Texts, Matches, Match, Cves, Elsewhere };
 
   static std::string Owner(std::size_t number) { return "driver " + std::to_string(number); }
 
@@ -158,11 +178,20 @@ class SnapshotReader final : public JsonEvents {
         return EnterRecord();
       case Place::Record:
         if (type == JsonType::Array && HoldsTexts()) return EnterTexts();
+        if (type == JsonType::Array && m_name == KnownMember) return EnterMatches();
         SetMember({type, {}, 0});
         break;
       case Place::Texts:
         AddText({type, {}, 0});
         break;
+      case Place::Matches:
+        if (type != JsonType::Object) RefuseMatches(type);
+        Current().known.emplace_back();
+        return Place::Match;
+      case Place::Match:
+        if (type == JsonType::Array && m_matchMember == "cve") return Place::Cves;
+        break;
+      case Place::Cves:
       case Place::Elsewhere:
         break;
     }
@@ -197,6 +226,27 @@ class SnapshotReader final : public JsonEvents {
     return Place::Texts;
   }
 
+  Place EnterMatches() {
+    Current().known.clear();
+    return Place::Matches;
+  }
+
+  /// A member that is not known, or has a value that is not, is passed over: later versions may have more.
+  void SetOfMatch(const JsonScalar& value) {
+    trust::KnownMatch& match = Current().known.back();
+    for (const auto& [name, text] :
+         {std::pair("list", &match.list), std::pair("entry", &match.entry), std::pair("name", &match.name)}) {
+      if (m_matchMember == name) *text = value.text;
+    }
+    if (m_matchMember == "category") match.category = trust::CategoryNamed(value.text).value_or(match.category);
+    if (m_matchMember == "match") match.kind = trust::MatchKindNamed(value.text).value_or(match.kind);
+  }
+
+  void RefuseMatches(JsonType type) {
+    if (m_problem.empty())
+      m_problem = Mismatch(m_name, "an array with " + Described(type) + " in it", "an array of objects");
+  }
+
   std::string KindName() const { return std::string(m_document.schema == 1 ? Schema1KindMember : KindMember); }
 
   /// Where a text outside the records goes; null for a member that is not known.
@@ -229,6 +279,8 @@ class SnapshotReader final : public JsonEvents {
     if (m_name == KindName()) {
       if (value.type != JsonType::Text) return Note(m_problem, value.type, "a text");
       m_kind = value.text;
+    } else if (m_name == KnownMember) {
+      Note(m_problem, value.type, "an array of objects");
     } else if (m_source != nullptr && !std::visit(SetScalar{Current(), value}, *m_source)) {
       Note(m_problem, value.type, std::visit(ExpectedType(), *m_source));
     }
@@ -281,8 +333,9 @@ class SnapshotReader final : public JsonEvents {
   std::size_t m_count = 0;
   bool m_hasReadDrivers = false;
   std::vector<Place> m_places;
-  /// Of the member that is read.
+  /// Of the member that is read, and within a match.
   std::string m_name;
+  std::string m_matchMember;
   Sources m_sources;
   /// Where the member of the record goes; null for one that is not known.
   const Member::Source* m_source = nullptr;
@@ -293,7 +346,7 @@ class SnapshotReader final : public JsonEvents {
 
 void Read(std::streambuf& text, SnapshotReader& reader) {
   try {
-    ReadJson(text, reader);
+    Orvane::ReadJson(text, reader);
   } catch (const DamagedJson&) {
     if (reader.Found().IsSnapshot()) throw;
     throw InputProblem("is not a snapshot of driverlist");
@@ -322,12 +375,7 @@ std::string SnapshotText(const Inventory& inventory) {
   Json document = Json::object();
   document[KindMember] = SnapshotKind;
   document.update(HeadJson(inventory.head));
-  Json drivers = Json::array();
-  for (const Record& record : inventory.records) {
-    AddMembers(drivers.emplace_back(Json::object()), record);
-  }
-  document[DriversMember] = std::move(drivers);
-  return JsonText(document, true) + "\n";
+  return ListJson(std::move(document), RecordsJson(inventory.records));
 }
 
 Inventory ReadSnapshot(std::streambuf& text, const IsSettled& isSettled) {
