@@ -15,7 +15,7 @@ namespace {
 /// Standard output is a terminal in mode 3.
 class ColourTerminal : public testing::Test {
  protected:
-  const HMODULE program = GetModuleHandleA(nullptr);
+  const HMODULE program = test::ThisProgram();
   std::vector<DWORD> modes;
   BOOL takesCodes = TRUE;
 

@@ -1,9 +1,10 @@
-// snapshot, diff and health as a user runs them, on a machine of two drivers.
+// snapshot, diff, health and collect as a user runs them, on a machine of two drivers.
 #include <gmock/gmock.h>
 #include <windows.h>
 
 #include <algorithm>
 #include <nlohmann/json.hpp>
+#include <sstream>
 
 #include "commands/commands.h"
 #include "importhook.h"
@@ -11,7 +12,9 @@
 #include "platform/encoding.h"
 #include "program.h"
 #include "scratchmachine.h"
+#include "scriptedterminal.h"
 
+using test::Driverlist;
 using test::DriverService;
 using test::ProgramResult;
 using test::ScratchFile;
@@ -25,21 +28,7 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-std::string DriverPath(const std::string& file) { return test::SystemDirectory() + "\\drivers\\" + file; }
-
-ProgramResult Driverlist(const std::wstring& arguments, HANDLE output = nullptr) {
-  return test::RunProgram("driverlist.exe", arguments, output);
-}
-
 std::wstring Quoted(const std::wstring& path) { return L"\"" + path + L"\""; }
-
-void WriteText(const std::wstring& path, const std::string& text) {
-  const HANDLE file = CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
-  ASSERT_NE(file, INVALID_HANDLE_VALUE);
-  DWORD written = 0;
-  EXPECT_TRUE(WriteFile(file, text.data(), static_cast<DWORD>(text.size()), &written, nullptr));
-  CloseHandle(file);
-}
 
 /// A device of the system that is always full; none on Windows.
 constexpr wchar_t FullDevice[] = L"Z:\\dev\\full";
@@ -62,8 +51,8 @@ class ProgramCommand : public test::ScratchMachine {
 
  private:
   struct Machine {
-    ScratchFile bus{DriverPath("OiBus.sys"), L"images\\full.sys"};
-    ScratchFile german{DriverPath("OiGeraet.sys"), L"images\\codepage.sys"};
+    ScratchFile bus{test::DriverPath("OiBus.sys"), L"images\\full.sys"};
+    ScratchFile german{test::DriverPath("OiGeraet.sys"), L"images\\codepage.sys"};
     DriverService busService{"OiBus", "\\SystemRoot\\System32\\drivers\\OiBus.sys"};
     DriverService germanService{"OiGeraet", "System32\\drivers\\OiGeraet.sys"};
   };
@@ -92,13 +81,51 @@ TEST_F(ProgramCommand, SnapshotsTheWholeInventory) {
   EXPECT_EQ(snapshot, list);
 }
 
+std::vector<Json> LinesOf(const std::string& text) {
+  std::vector<Json> lines;
+  std::istringstream stream(text);
+  for (std::string line; std::getline(stream, line);) lines.push_back(Json::parse(line));
+  return lines;
+}
+
+TEST_F(ProgramCommand, CollectsEveryRecordOfTheInventoryAsALine) {
+  const std::vector<Json> lines = LinesOf(Driverlist(L"collect").output);
+  const std::vector<Json> listed = LinesOf(Driverlist(L"list --format jsonl").output);
+  ASSERT_EQ(lines.size(), listed.size() + 1);
+  EXPECT_EQ(lines[0].at("kind"), "collection");
+  EXPECT_EQ(lines[0].at("drivers"), listed.size());
+  for (std::size_t i = 0; i < listed.size(); ++i) {
+    Json line = lines[i + 1];
+    EXPECT_EQ(line.at("time"), lines[0].at("time"));
+    line["time"] = listed[i].at("time");
+    EXPECT_EQ(line.dump(), listed[i].dump());
+  }
+}
+
+TEST_F(ProgramCommand, CollectsOneLineUnlessTheDigestIsAnotherOne) {
+  const Json first = LinesOf(Driverlist(L"collect").output).at(0);
+  const std::wstring unless = L"collect --unless-digest " + Orvane::WideFromUtf8(first.at("digest").get<std::string>());
+  std::vector<Json> lines = LinesOf(Driverlist(unless).output);
+  ASSERT_EQ(lines.size(), 1u);
+  EXPECT_EQ(lines[0].at("unchanged"), true);
+  lines[0].erase("unchanged");
+  lines[0]["time"] = first.at("time");
+  EXPECT_EQ(lines[0].dump(), first.dump());
+
+  const DriverService another("OiSecond", "System32\\drivers\\OiBus.sys");
+  lines = LinesOf(Driverlist(unless).output);
+  EXPECT_EQ(lines.size(), first.at("drivers").get<std::size_t>() + 2);
+  EXPECT_NE(lines[0].at("digest"), first.at("digest"));
+  EXPECT_FALSE(lines[0].contains("unchanged"));
+}
+
 TEST_F(ProgramCommand, LeavesTheFormerSnapshotWhenItCannotWrite) {
-  WriteText(folder.Path(L"s.json"), "former");
+  test::WriteText(folder.Path(L"s.json"), "former");
   // Someone reads it and lets nobody replace it.
-  const HANDLE reader =
-      CreateFileW(folder.Path(L"s.json").c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
+  Orvane::FileHandle reader(
+      CreateFileW(folder.Path(L"s.json").c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
   const ProgramResult result = Snapshot(L"s.json");
-  CloseHandle(reader);
+  reader.reset();
   EXPECT_EQ(result.exitCode, 1u);
   EXPECT_THAT(result.errors, MatchesRegex("driverlist: cannot write .*s.json: .+\n"));
   EXPECT_EQ(test::FileContent(folder.Path(L"s.json")), "former");
@@ -120,7 +147,7 @@ TEST_F(ProgramCommand, ShowsWhatChanged) {
   ASSERT_EQ(Snapshot(L"a").exitCode, 0u);
   const std::string same = std::to_string(SnapshotIn(folder.Path(L"a")).at("drivers").size());
   {
-    const ScratchFile image(DriverPath("OiNew.sys"), L"images\\fixedonly.sys");
+    const ScratchFile image(test::DriverPath("OiNew.sys"), L"images\\fixedonly.sys");
     const DriverService service("OiNew", "\\SystemRoot\\System32\\drivers\\OiNew.sys");
     const ProgramResult result = Diff(L"a", L"live");
     EXPECT_EQ(result.exitCode, 1u);
@@ -156,7 +183,7 @@ std::string Utf16(const std::string& utf8) {
 
 TEST_F(ProgramCommand, ReadsSnapshotsInUtf16) {
   ASSERT_EQ(Snapshot(L"a").exitCode, 0u);
-  WriteText(folder.Path(L"wide"), Utf16(test::FileContent(folder.Path(L"a"))));
+  test::WriteText(folder.Path(L"wide"), Utf16(test::FileContent(folder.Path(L"a"))));
   const ProgramResult result = Diff(L"wide", Quoted(folder.Path(L"a")));
   EXPECT_EQ(result.exitCode, 0u);
   EXPECT_EQ(result.errors, "");
@@ -195,7 +222,7 @@ TEST_F(ProgramCommand, ComparesSnapshotsOfSchema1) {
   const ScratchFile older(test::InfDirectory() + "\\oem9001.inf", package("1.2", "oibus.sys"));
   const ScratchFile newer(test::InfDirectory() + "\\oem9002.inf", package("7.0", "OiGeraet.sys"));
   Json snapshot = Schema1OfThisMachine();
-  WriteText(folder.Path(L"old"), snapshot.dump());
+  test::WriteText(folder.Path(L"old"), snapshot.dump());
   const ProgramResult same = Diff(L"old", L"live");
   EXPECT_EQ(same.errors, "");
   EXPECT_THAT(same.output, MatchesRegex("old: h, Windows 6.1.7601, t\nnew: .+\n\\d+ the same\n"));
@@ -205,7 +232,7 @@ TEST_F(ProgramCommand, ComparesSnapshotsOfSchema1) {
     if (driver.at("name") == "OiUnused.sys") driver["file_version"] = "1.3";
     if (driver.at("name") == "OiBus.sys") driver["name"] = "OIBUS.SYS";
   }
-  WriteText(folder.Path(L"old"), snapshot.dump());
+  test::WriteText(folder.Path(L"old"), snapshot.dump());
   const ProgramResult result = Diff(L"old", L"live");
   EXPECT_EQ(result.exitCode, 1u);
   EXPECT_THAT(result.output, HasSubstr("\ndifference  kind     name          member   old  new\n"
@@ -221,18 +248,18 @@ TEST_F(ProgramCommand, RefusesFilesThatAreNoSnapshots) {
     return text.replace(text.find(before), before.size(), after);
   };
   const std::string list = Driverlist(L"list --format json").output;
-  WriteText(folder.Path(L"csv"), Driverlist(L"list --format csv").output);
-  WriteText(folder.Path(L"jsonl"), Driverlist(L"list --format jsonl").output);
-  WriteText(folder.Path(L"list"), list);
-  WriteText(folder.Path(L"wide"), Utf16(list));
-  WriteText(folder.Path(L"mode"), Driverlist(L"list --mode all --format json").output);
-  WriteText(folder.Path(L"short"), good.substr(0, good.size() / 2));
-  WriteText(folder.Path(L"torn"), with("\"drivers\": [", "\"drivers\": [}"));
-  WriteText(folder.Path(L"newer"), with("\"schema_version\": 2", "\"schema_version\": 7"));
-  WriteText(folder.Path(L"type"), with("\"start_type\": \"", "\"size\": \"5\", \"start_type\": \""));
-  WriteText(folder.Path(L"deep"), with("\"drivers\": [", "\"deep\": " + std::string(1'000'000, '[')));
-  WriteText(folder.Path(L"name"),
-            with("\"start_type\": \"", "\"state\": 5, \"name\": \"\\u001b[31m\u202E\", \"x\": \""));
+  test::WriteText(folder.Path(L"csv"), Driverlist(L"list --format csv").output);
+  test::WriteText(folder.Path(L"jsonl"), Driverlist(L"list --format jsonl").output);
+  test::WriteText(folder.Path(L"list"), list);
+  test::WriteText(folder.Path(L"wide"), Utf16(list));
+  test::WriteText(folder.Path(L"mode"), Driverlist(L"list --mode all --format json").output);
+  test::WriteText(folder.Path(L"short"), good.substr(0, good.size() / 2));
+  test::WriteText(folder.Path(L"torn"), with("\"drivers\": [", "\"drivers\": [}"));
+  test::WriteText(folder.Path(L"newer"), with("\"schema_version\": 2", "\"schema_version\": 7"));
+  test::WriteText(folder.Path(L"type"), with("\"start_type\": \"", "\"size\": \"5\", \"start_type\": \""));
+  test::WriteText(folder.Path(L"deep"), with("\"drivers\": [", "\"deep\": " + std::string(1'000'000, '[')));
+  test::WriteText(folder.Path(L"name"),
+                  with("\"start_type\": \"", "\"state\": 5, \"name\": \"\\u001b[31m\u202E\", \"x\": \""));
   const std::string wantsList = " is a list, not a snapshot: write one with .driverlist snapshot.\\.\n";
   const std::pair<const wchar_t*, std::string> cases[] = {
       {L"none", " cannot be read: there is no such file\\.\n"},
@@ -259,6 +286,115 @@ TEST_F(ProgramCommand, RefusesFilesThatAreNoSnapshots) {
   }
 }
 
+TEST_F(ProgramCommand, SnapshotsToStandardOutput) {
+  ASSERT_EQ(Snapshot(L"a").exitCode, 0u);
+  const ProgramResult result = Driverlist(L"snapshot -");
+  EXPECT_EQ(result.exitCode, 0u);
+  EXPECT_EQ(result.errors, "");
+  EXPECT_THAT(result.output, Not(HasSubstr("\r"))) << "nothing is put between the bytes";
+  Json printed = Json::parse(result.output);
+  Json written = SnapshotIn(folder.Path(L"a"));
+  for (Json* const document : {&printed, &written}) document->erase("time");
+  EXPECT_EQ(printed, written);
+}
+
+TEST_F(ProgramCommand, ListsFromASnapshotWhatItHolds) {
+  std::wstring from;
+  Json snapshot;
+  {
+    const DriverService gone("OiGone", "\\??\\C:\\gone\\OiGone.sys", SERVICE_AUTO_START);
+    ASSERT_EQ(Snapshot(L"a").exitCode, 0u);
+    snapshot = SnapshotIn(folder.Path(L"a"));
+    from = L" --from " + Quoted(folder.Path(L"a"));
+  }
+  const ProgramResult list = Driverlist(L"list --format json" + from);
+  EXPECT_EQ(list.errors, "");
+  EXPECT_EQ(list.exitCode, 0u);
+  Json expected = snapshot;
+  expected.erase("kind");
+  EXPECT_EQ(Json::parse(list.output), expected) << "of its machine and its time";
+
+  const ProgramResult health = Driverlist(L"health --format json" + from);
+  EXPECT_EQ(health.exitCode, 1u);
+  EXPECT_THAT(health.output, HasSubstr("OiGone"));
+  EXPECT_EQ(Json::parse(health.output).at("time"), snapshot.at("time"));
+
+  const ProgramResult page = Driverlist(L"list --format html --kind service" + from);
+  EXPECT_THAT(page.output, HasSubstr("<time datetime=\"" + snapshot.at("time").get<std::string>() + "\">"));
+  EXPECT_THAT(page.output, HasSubstr("OiGone.sys"));
+}
+
+TEST_F(ProgramCommand, ListsFromNothingThatIsNoWholeSnapshot) {
+  test::WriteText(folder.Path(L"old"), R"({"kind": "driverlist snapshot", "schema_version": 1, "drivers": []})");
+  const std::pair<const wchar_t*, std::string> cases[] = {
+      {L"none", " cannot be read: there is no such file\\.\n"},
+      {L".", " cannot be read: it is a folder\\.\n"},
+      {L"old", " was written by an older driverlist, which kept too little of each driver: only diff reads it\\.\n"}};
+  for (const auto& [file, sentence] : cases) {
+    for (const auto& [command, exitCode] : {std::pair(L"list", 1u), std::pair(L"health", 2u)}) {
+      const ProgramResult result = Driverlist(command + (L" --from " + Quoted(folder.Path(file))));
+      EXPECT_EQ(result.exitCode, exitCode);
+      EXPECT_EQ(result.output, "");
+      EXPECT_THAT(result.errors, MatchesRegex("driverlist: .*" + sentence));
+    }
+  }
+}
+
+TEST_F(ProgramCommand, SaysWhenNothingMatches) {
+  const ProgramResult nothing = Driverlist(L"--where name=none --columns name");
+  EXPECT_EQ(nothing.exitCode, 0u);
+  EXPECT_EQ(nothing.output, "name\n");
+  EXPECT_EQ(nothing.errors, "No drivers match.\n");
+  const ProgramResult json = Driverlist(L"--match \"no such text\" --group-by kind --format json");
+  EXPECT_EQ(Json::parse(json.output).at("groups").size(), 0u);
+  EXPECT_EQ(json.errors, "No drivers match.\n");
+}
+
+TEST_F(ProgramCommand, FailsWhenAskedToAndTellsThatFromTrouble) {
+  const std::pair<const wchar_t*, DWORD> cases[] = {{L"--where name=none --fail-if-none", 1},
+                                                    {L"--where name=oi* --fail-if-none", 0},
+                                                    {L"--where name=none --fail-if-any", 0},
+                                                    {L"--where name=oi* --fail-if-any", 1},
+                                                    {L"--where name=oi* --fail-if-any --mode registered", 1},
+                                                    {L"--fail-if-any --from none.json", 2},
+                                                    {L"--from none.json", 1}};
+  for (const auto& [arguments, exitCode] : cases) {
+    EXPECT_EQ(Driverlist(arguments).exitCode, exitCode) << Orvane::Utf8FromWide(arguments);
+  }
+}
+
+TEST_F(ProgramCommand, AsksForWhatTheUserMeans) {
+  const std::wstring list = L"--format csv --columns name --where service=oi* ";
+  EXPECT_EQ(Driverlist(list + L"--sort -version").output, "name\r\nOiBus.sys\r\nOiGeraet.sys\r\n");
+  EXPECT_EQ(Driverlist(list + L"--where \"version<5\"").output, "name\r\nOiGeraet.sys\r\n");
+  EXPECT_EQ(Driverlist(list + L"--where version=4.* --or --where name=oibus*").output,
+            "name\r\nOiBus.sys\r\nOiGeraet.sys\r\n");
+  EXPECT_EQ(Driverlist(list + L"--match bus").output, "name\r\nOiBus.sys\r\n");
+  EXPECT_EQ(Driverlist(list + L"--sort name --first 1").output, "name\r\nOiBus.sys\r\n");
+  EXPECT_EQ(Driverlist(L"--where service=oi* --group-by kind,state").output,
+            "kind     state    count\nservice  Stopped  2\n");
+}
+
+TEST_F(ProgramCommand, SaysWhenAFolderIsNamedForAFile) {
+  const std::wstring here = Quoted(folder.Path(L"."));
+  const std::pair<std::wstring, DWORD> cases[] = {
+      {L"snapshot " + here, 1}, {L"list --output " + here, 1}, {L"health --output " + here, 2}};
+  for (const auto& [arguments, exitCode] : cases) {
+    const ProgramResult result = Driverlist(arguments);
+    EXPECT_EQ(result.exitCode, exitCode);
+    EXPECT_THAT(result.errors, MatchesRegex("driverlist: cannot write .*: it is a folder\\.\n"));
+  }
+  EXPECT_THAT(Driverlist(L"list --log-file " + here).errors,
+              MatchesRegex("driverlist: cannot open the log file .*: it is a folder\\.\n"));
+}
+
+TEST_F(ProgramCommand, ShowsTheRightOrderOfADifference) {
+  const ProgramResult result = Driverlist(L"diff live before.json");
+  EXPECT_EQ(result.exitCode, 2u);
+  EXPECT_EQ(result.errors,
+            "driverlist: OLD: \"live\" can only be the newer side: write \"driverlist diff before.json live\".\n");
+}
+
 TEST_F(ProgramCommand, TellsWhatDeservesALook) {
   const DriverService gone("OiGone", "\\??\\C:\\gone\\OiGone.sys", SERVICE_AUTO_START);
   const ProgramResult table = Driverlist(L"health");
@@ -279,7 +415,7 @@ TEST_F(ProgramCommand, TellsWhatDeservesALook) {
 TEST_F(ProgramCommand, FindsNothingOnAHealthyMachine) {
   // Wine's own display adapter has no driver. The library and the inventory both ask for devices.
   const auto noDevices = [](std::vector<Orvane::PciDeviceRecord>&) {};
-  HOOK(notListed, GetModuleHandleA("driverinfo.dll"), GetPciInfo, noDevices);
+  HOOK(notListed, test::Library(), GetPciInfo, noDevices);
   HOOK(notFound, test::ThisProgram(), GetPciInfo, noDevices);
   driverlist::Options options;
   options.command = driverlist::Command::Health;
@@ -320,13 +456,7 @@ TEST_F(ProgramCommand, FailsWhenNobodyReadsItsOutput) {
   const std::pair<std::wstring, DWORD> cases[] = {
       {L"diff " + Quoted(folder.Path(L"a")) + L" live", 2}, {L"health", 2}, {L"list --format jsonl", 1}};
   for (const auto& [arguments, exitCode] : cases) {
-    SECURITY_ATTRIBUTES inherited = {sizeof(inherited), nullptr, TRUE};
-    HANDLE read = nullptr;
-    HANDLE write = nullptr;
-    ASSERT_TRUE(CreatePipe(&read, &write, &inherited, 0));
-    CloseHandle(read);
-    const ProgramResult result = Driverlist(arguments, write);
-    CloseHandle(write);
+    const ProgramResult result = Driverlist(arguments, test::UnreadPipe().get());
     EXPECT_EQ(result.exitCode, exitCode);
     EXPECT_THAT(result.errors, MatchesRegex("driverlist: cannot write the output: .+\n"));
   }
@@ -334,27 +464,26 @@ TEST_F(ProgramCommand, FailsWhenNobodyReadsItsOutput) {
 
 TEST_F(ProgramCommand, FailsWhenTheDiskIsFull) {
   SECURITY_ATTRIBUTES inherited = {sizeof(inherited), nullptr, TRUE};
-  const HANDLE full = CreateFileW(FullDevice, GENERIC_WRITE, FILE_SHARE_WRITE, &inherited, OPEN_EXISTING, 0, nullptr);
-  if (full == INVALID_HANDLE_VALUE) GTEST_SKIP() << "there is no device that is full";
+  const Orvane::FileHandle full(
+      CreateFileW(FullDevice, GENERIC_WRITE, FILE_SHARE_WRITE, &inherited, OPEN_EXISTING, 0, nullptr));
+  if (!full) GTEST_SKIP() << "there is no device that is full";
   ASSERT_EQ(Snapshot(L"a").exitCode, 0u);
-  const std::pair<std::wstring, DWORD> cases[] = {{L"--output ", 1},
-                                                  {L"list --format json --output ", 1},
-                                                  {L"snapshot ", 1},
-                                                  {L"health --output ", 2},
-                                                  {L"diff " + Quoted(folder.Path(L"a")) + L" live --output ", 2}};
+  const std::pair<std::wstring, DWORD> cases[] = {
+      {L"--output ", 1},        {L"list --format json --output ", 1},
+      {L"snapshot ", 1},        {L"collect --output ", 1},
+      {L"health --output ", 2}, {L"diff " + Quoted(folder.Path(L"a")) + L" live --output ", 2}};
   for (const auto& [arguments, exitCode] : cases) {
     const ProgramResult result = Driverlist(arguments + FullDevice);
     EXPECT_EQ(result.exitCode, exitCode);
     EXPECT_THAT(result.errors, MatchesRegex("driverlist: cannot write Z:.dev.full: .+\n"));
   }
-  const ProgramResult result = Driverlist(L"list", full);
-  CloseHandle(full);
+  const ProgramResult result = Driverlist(L"list", full.get());
   EXPECT_EQ(result.exitCode, 1u);
   EXPECT_THAT(result.errors, MatchesRegex("driverlist: cannot write the output: .+\n"));
 }
 
 TEST_F(ProgramCommand, PrintsItsHelp) {
-  for (const wchar_t* const command : {L"list", L"snapshot", L"diff", L"health"}) {
+  for (const wchar_t* const command : {L"list", L"snapshot", L"diff", L"health", L"collect"}) {
     const ProgramResult help = Driverlist(std::wstring(command) + L" --help");
     EXPECT_EQ(help.exitCode, 0u);
     EXPECT_EQ(help.errors, "");
@@ -363,7 +492,7 @@ TEST_F(ProgramCommand, PrintsItsHelp) {
 }
 
 TEST_F(ProgramCommand, ShowsNoProgressButOnATerminal) {
-  for (const wchar_t* const arguments : {L"list", L"list --quiet", L"snapshot NUL", L"health"}) {
+  for (const wchar_t* const arguments : {L"list", L"list --quiet", L"snapshot NUL", L"health", L"collect"}) {
     EXPECT_EQ(Driverlist(arguments).errors, "");
   }
 }
@@ -385,25 +514,12 @@ TEST_F(ProgramCommand, ListsWithAndWithoutItsName) {
 
 /// What `arguments` print on a terminal of `width` columns.
 std::string OnATerminal(SHORT width, const std::vector<std::string>& arguments) {
-  const HMODULE program = GetModuleHandleA(nullptr);
-  const auto isOutput = [](HANDLE handle) -> BOOL { return handle == GetStdHandle(STD_OUTPUT_HANDLE); };
-  std::string written;
-  HOOK(info, program, GetConsoleScreenBufferInfo, [&](HANDLE handle, CONSOLE_SCREEN_BUFFER_INFO* buffer) -> BOOL {
-    buffer->srWindow = {0, 0, static_cast<SHORT>(width - 1), 24};
-    return isOutput(handle);
-  });
-  HOOK(get, program, GetConsoleMode, [&](HANDLE handle, DWORD*) { return isOutput(handle); });
-  HOOK(set, program, SetConsoleMode, [](HANDLE, DWORD) { return TRUE; });
-  HOOK(write, program, WriteConsoleW, [&](HANDLE, const void* text, DWORD length, DWORD* count, void*) -> BOOL {
-    written += Orvane::Utf8FromWide({static_cast<const wchar_t*>(text), length});
-    *count = length;
-    return TRUE;
-  });
+  const driverlist::ScriptedTerminal terminal(STD_OUTPUT_HANDLE, width);
   const driverlist::Options options = driverlist::ParseCommandLine(arguments).options.value();
   EXPECT_EQ(
       options.command == driverlist::Command::Health ? driverlist::RunHealth(options) : driverlist::RunList(options),
       options.command == driverlist::Command::Health ? 1 : 0);
-  return written;
+  return terminal.Text();
 }
 
 TEST_F(ProgramCommand, IsColouredOnATerminal) {
@@ -440,30 +556,28 @@ class RunningSnapshot {
     std::wstring command = Quoted(test::ProgramDirectory() + L"\\driverlist.exe") + L" snapshot " + Quoted(file);
     STARTUPINFOW start{};
     start.cb = sizeof(start);
-    if (!CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &start, &m_process)) {
+    PROCESS_INFORMATION started{};
+    if (!CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &start, &started)) {
       throw std::runtime_error("cannot start driverlist.exe");
     }
+    m_process.reset(started.hProcess);
+    m_thread.reset(started.hThread);
   }
-  ~RunningSnapshot() {
-    CloseHandle(m_process.hProcess);
-    CloseHandle(m_process.hThread);
-  }
-  RunningSnapshot(const RunningSnapshot&) = delete;
-  RunningSnapshot& operator=(const RunningSnapshot&) = delete;
 
-  bool IsRunning() const { return WaitForSingleObject(m_process.hProcess, 0) == WAIT_TIMEOUT; }
+  bool IsRunning() const { return WaitForSingleObject(m_process.get(), 0) == WAIT_TIMEOUT; }
   /// True when it was still under way.
   bool Kill() const {
     constexpr DWORD killed = 77;
-    TerminateProcess(m_process.hProcess, killed);
-    WaitForSingleObject(m_process.hProcess, INFINITE);
+    TerminateProcess(m_process.get(), killed);
+    WaitForSingleObject(m_process.get(), INFINITE);
     DWORD exitCode = 0;
-    GetExitCodeProcess(m_process.hProcess, &exitCode);
+    GetExitCodeProcess(m_process.get(), &exitCode);
     return exitCode == killed;
   }
 
  private:
-  PROCESS_INFORMATION m_process{};
+  Orvane::ProcessHandle m_process;
+  Orvane::ProcessHandle m_thread;
 };
 
 DWORD MillisecondsOf(const std::wstring& file) {
@@ -480,7 +594,7 @@ TEST_F(ProgramCommand, LeavesTheOldOrTheNewSnapshotWhenItIsKilled) {
   int killed = 0;
   int old = 0;
   for (DWORD i = 0; i < 100; ++i) {
-    WriteText(file, "old");
+    test::WriteText(file, "old");
     const RunningSnapshot snapshot(file);
     if (i % 2 == 0) {
       Sleep(whole * i / 80);

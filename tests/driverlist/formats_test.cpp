@@ -304,6 +304,15 @@ TEST(Json, OfNothingHasAnEmptyArray) {
             nlohmann::json::array());
 }
 
+TEST(Json, CallsCountsGroups) {
+  Record record;
+  record.image_missing = true;
+  const Table table = Showing(Records{record}, {"provider", "image_missing"});
+  const auto json = nlohmann::json::parse(FormatJson(table, {TheHead(), "", true}));
+  EXPECT_EQ(json.at("groups"), nlohmann::json::parse(R"([{"image_missing": true}])"));
+  EXPECT_FALSE(json.contains("drivers"));
+}
+
 TEST(JsonLines, AreAnObjectEachWithTheHead) {
   const Table table =
       Showing(Records{Service("a.sys", "1", "two\nlines"), Service("b.sys", "2")}, {"name", "description"});

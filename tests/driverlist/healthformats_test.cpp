@@ -12,7 +12,7 @@ const std::vector<Finding> TwoFindings = {{"device-without-driver", "8086-7E4C-1
                                           {"unused-package", "oem3.inf", "Ger\u00E4te\u202E"}};
 
 TEST(HealthTable, NamesTheRuleAndTheEvidence) {
-  EXPECT_EQ(FormatHealthTable(TwoFindings, {0, false}),
+  EXPECT_EQ(FormatHealthTable(TwoFindings, {}, {0, false}),
             "device-without-driver (devices that are present and have no driver): 1\n"
             "what                           evidence\n"
             "8086-7E4C-1028-0A5C_nodriver#  Signal processing controller by Unknown maker, as the device says\n"
@@ -23,7 +23,7 @@ TEST(HealthTable, NamesTheRuleAndTheEvidence) {
 }
 
 TEST(HealthTable, WrapsEvidenceOnATerminalOf80Columns) {
-  EXPECT_EQ(FormatHealthTable(TwoFindings, {79, false}),
+  EXPECT_EQ(FormatHealthTable(TwoFindings, {}, {79, false}),
             "device-without-driver (devices that are present and have no driver): 1\n"
             "what                           evidence\n"
             "8086-7E4C-1028-0A5C_nodriver#  Signal processing controller by Unknown maker,\n"
@@ -34,36 +34,40 @@ TEST(HealthTable, WrapsEvidenceOnATerminalOf80Columns) {
             "oem3.inf  Ger\u00E4te[U+202E]\n");
 }
 
-TEST(HealthTable, OfNothingSaysSo) { EXPECT_EQ(FormatHealthTable({}, {0, true}), "nothing found\n"); }
+TEST(HealthTable, OfNothingSaysSo) { EXPECT_EQ(FormatHealthTable({}, {}, {0, true}), "nothing found\n"); }
 
-TEST(HealthJson, HasTheHeadTheCountsAndTheFindings) {
-  const inventory::Head head = {"0.1.0", "host", "8f0c", "10.0.1", "2024-05-06T07:08:09Z"};
-  EXPECT_EQ(FormatHealthJson({TwoFindings[1]}, head), R"({
-  "schema_version": 2,
-  "tool_version": "0.1.0",
-  "host": "host",
-  "host_id": "8f0c",
-  "windows": "10.0.1",
-  "time": "2024-05-06T07:08:09Z",
-  "summary": {
-    "device-without-driver": 0,
-    "not-running": 0,
-    "image-missing": 0,
-    "no-version-or-company": 0,
-    "several-versions": 0,
-    "unused-package": 1
-  },
-  "findings": [
-    {
-      "rule": "unused-package",
-      "subject": "oem3.inf",
-      "evidence": ")"
-                                                      "Ger\u00E4te\u202E"
-                                                      R"("
-    }
-  ]
+/// Verified by a list of the day before, and one without date.
+inventory::Inventory Verified() {
+  inventory::Inventory inventory;
+  inventory.head.time = "2024-03-01T07:08:09Z";
+  inventory.isVerified = true;
+  inventory.lists = {{"LOLDrivers", "", "2024-02-29", "", "", 661}, {"Microsoft", "10.0.1.0", "", "", "", 1}};
+  return inventory;
 }
-)");
+
+TEST(HealthTable, OfAVerifiedInventorySaysHowOldTheListsAre) {
+  EXPECT_EQ(FormatHealthTable({}, Verified(), {0, true}),
+            "nothing found\n\nlooked up in LOLDrivers of 2024-02-29, 1 day old (661 entries); Microsoft 10.0.1.0 (1 "
+            "entry)\n");
+  EXPECT_EQ(ListsText({{"a", "", "2023-02-28", "", "", 2}}, "2024-03-01T00:00:00Z"),
+            "looked up in a of 2023-02-28, 367 days old (2 entries)");
+  EXPECT_EQ(ListsText({{"a", "", "2024-03-02", "", "", 2}}, "2024-03-01T00:00:00Z"),
+            "looked up in a of 2024-03-02 (2 entries)");
+}
+
+TEST(HealthTable, OfAVerifiedInventorySaysThatThereWasNoList) {
+  inventory::Inventory inventory;
+  inventory.isVerified = true;
+  EXPECT_EQ(FormatHealthTable({}, inventory, {0, true}),
+            "nothing found\n\nthere is no list of known drivers: give one with --known, or make known-drivers.json "
+            "beside the program with scripts/make-known-drivers\n");
+}
+
+TEST(HealthTable, IsLoudAboutMaliciousImages) {
+  EXPECT_EQ(FormatHealthTable({{"known-malicious", "evil", "e"}}, {}, {0, true}),
+            "!!! known-malicious (images that a list knows as malicious): 1\n"
+            "\x1B[1mwhat\x1B[0m  \x1B[1mevidence\x1B[0m\n"
+            "\x1B[31mevil\x1B[0m  e\n");
 }
 
 }  // namespace

@@ -5,7 +5,7 @@
 #include "importhook.h"
 #include "log.h"
 #include "platform/encoding.h"
-#include "program.h"
+#include "temporaryfiles.h"
 
 using driverlist::LogFile;
 using testing::ElementsAre;
@@ -14,13 +14,6 @@ using testing::MatchesRegex;
 using testing::UnorderedElementsAre;
 
 namespace {
-
-void WriteDirectly(const std::wstring& path, const std::string& text) {
-  const Orvane::FileHandle file(CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0, nullptr));
-  ASSERT_TRUE(file);
-  DWORD written = 0;
-  EXPECT_TRUE(WriteFile(file.get(), text.data(), static_cast<DWORD>(text.size()), &written, nullptr));
-}
 
 class LogFileTest : public testing::Test {
  protected:
@@ -66,7 +59,7 @@ TEST_F(LogFileTest, LooksLikeThatOfTheLogItself) {
 }
 
 TEST_F(LogFileTest, GoesOnWithAFormerFile) {
-  WriteDirectly(folder.Path(L"log"), "former\r\n");
+  test::WriteText(folder.Path(L"log"), "former\r\n");
   {
     const LogFile log(Path(L"log"));
     Log(1, "new");
@@ -85,7 +78,7 @@ TEST_F(LogFileTest, RemembersThatTheDiskWasFullAndWritesNoMore) {
   const LogFile log(Path(L"log"));
   Log(1, "first");
   {
-    HOOK(write, GetModuleHandleA(nullptr), WriteFile, [](HANDLE, const void*, DWORD, DWORD*, OVERLAPPED*) {
+    HOOK(write, test::ThisProgram(), WriteFile, [](HANDLE, const void*, DWORD, DWORD*, OVERLAPPED*) {
       SetLastError(ERROR_DISK_FULL);
       return FALSE;
     });
@@ -98,7 +91,7 @@ TEST_F(LogFileTest, RemembersThatTheDiskWasFullAndWritesNoMore) {
 
 TEST_F(LogFileTest, TakesHalfALineForAFullDisk) {
   const LogFile log(Path(L"log"));
-  HOOK(write, GetModuleHandleA(nullptr), WriteFile,
+  HOOK(write, test::ThisProgram(), WriteFile,
        [&](HANDLE file, const void* buffer, DWORD size, DWORD* written, OVERLAPPED* overlapped) {
          return write.Real(file, buffer, size / 2, written, overlapped);
        });
@@ -110,7 +103,7 @@ TEST_F(LogFileTest, KeepsThreeFormerFilesOfTenMebibytes) {
   for (const auto& [file, content] :
        {std::pair(L"a.b.log", std::string(LogFile::MaxBytes, 'x')), std::pair(L"a.b.1.log", std::string("1")),
         std::pair(L"a.b.2.log", std::string("2")), std::pair(L"a.b.3.log", std::string("3"))}) {
-    WriteDirectly(folder.Path(file), content);
+    test::WriteText(folder.Path(file), content);
   }
   {
     const LogFile log(Path(L"a.b.log"));
@@ -124,8 +117,28 @@ TEST_F(LogFileTest, KeepsThreeFormerFilesOfTenMebibytes) {
   EXPECT_THAT(folder.Files(), UnorderedElementsAre(L"a.b.log", L"a.b.1.log", L"a.b.2.log", L"a.b.3.log"));
 }
 
+TEST_F(LogFileTest, IsRenamedWhenItGrowsPastItsLimitInOneRun) {
+  test::WriteText(folder.Path(L"a.log"), std::string(LogFile::MaxBytes - 1000, 'x'));
+  {
+    const LogFile log(Path(L"a.log"));
+    for (int i = 0; i < 3; ++i) Log(1, std::string(400, 'n'));
+    EXPECT_EQ(log.Problem(), "");
+  }
+  EXPECT_THAT(folder.Files(), UnorderedElementsAre(L"a.log", L"a.1.log"));
+  EXPECT_THAT(Content(L"a.log"), MatchesRegex("\\[.+\\] n+\r\n")) << "the third line";
+}
+
+TEST_F(LogFileTest, TakesANameThatBeginsWithItsOnlyDotForOneWithoutExtension) {
+  test::WriteText(folder.Path(L".log"), std::string(LogFile::MaxBytes, 'x'));
+  {
+    const LogFile log(Path(L".log"));
+    Log(1, "new");
+  }
+  EXPECT_THAT(folder.Files(), UnorderedElementsAre(L".log", L".log.1"));
+}
+
 TEST_F(LogFileTest, NumbersFilesWithoutExtension) {
-  WriteDirectly(folder.Path(L"log"), std::string(LogFile::MaxBytes, 'x'));
+  test::WriteText(folder.Path(L"log"), std::string(LogFile::MaxBytes, 'x'));
   {
     const LogFile log(Path(L"log"));
     Log(1, "new");
@@ -134,9 +147,9 @@ TEST_F(LogFileTest, NumbersFilesWithoutExtension) {
 }
 
 TEST_F(LogFileTest, RemembersThatAFormerFileCouldNotBeRenamed) {
-  WriteDirectly(folder.Path(L"log"), std::string(LogFile::MaxBytes, 'x'));
+  test::WriteText(folder.Path(L"log"), std::string(LogFile::MaxBytes, 'x'));
   const LogFile log(Path(L"log"));
-  HOOK(move, GetModuleHandleA(nullptr), MoveFileExW, [](const wchar_t*, const wchar_t*, DWORD) {
+  HOOK(move, test::ThisProgram(), MoveFileExW, [](const wchar_t*, const wchar_t*, DWORD) {
     SetLastError(ERROR_SHARING_VIOLATION);
     return FALSE;
   });

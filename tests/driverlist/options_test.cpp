@@ -32,7 +32,12 @@ TEST(Options, ListTheInventoryAsATableByDefault) {
   EXPECT_FALSE(options.quiet);
   EXPECT_FALSE(options.selection.match);
   EXPECT_THAT(options.selection.conditions, testing::IsEmpty());
-  EXPECT_FALSE(options.selection.sort);
+  EXPECT_THAT(options.selection.sort, testing::IsEmpty());
+  EXPECT_FALSE(options.selection.first);
+  EXPECT_THAT(options.groupBy, testing::IsEmpty());
+  EXPECT_FALSE(options.failIfNone);
+  EXPECT_FALSE(options.failIfAny);
+  EXPECT_EQ(options.from, "");
   EXPECT_FALSE(options.mode);
   EXPECT_THAT(options.kinds, testing::IsEmpty());
   EXPECT_FALSE(options.thirdPartyOnly);
@@ -72,11 +77,13 @@ TEST(Options, IdentifyTheMachine) {
 
 TEST(Options, ShowEveryMemberToPrograms) {
   for (const char* const format : {"csv", "json", "jsonl", "markdown"}) {
-    EXPECT_THAT(Names(Parsed({"--format", format}).columns),
-                ElementsAre("kind", "name", "description", "provider", "version", "product_version", "version_key",
-                            "service", "path", "state", "start_type", "image_missing", "image_time", "size", "inf",
-                            "original_inf", "inf_date", "class", "files", "devices_using", "instance_id", "hardware_id",
-                            "identity", "names", "problem_code", "problem"));
+    EXPECT_THAT(
+        Names(Parsed({"--format", format}).columns),
+        ElementsAre("kind", "name", "description", "provider", "version", "product_version", "version_key", "service",
+                    "path", "state", "start_type", "image_missing", "image_time", "size", "inf", "original_inf",
+                    "inf_date", "class", "files", "devices_using", "instance_id", "hardware_id", "identity", "names",
+                    "problem_code", "problem", "sha256", "image_sha256", "signature", "signature_problem",
+                    "signature_kind", "catalog", "signer", "signer_thumbprint", "signed_at", "known"));
     EXPECT_THAT(Names(Parsed({"--format", format, "--mode", "all"}).columns),
                 ElementsAre("name", "description", "provider", "path", "file_version", "state", "start_type", "date",
                             "size", "product_version", "reserved1", "reserved2", "reserved_list", "found_by_device"));
@@ -129,19 +136,68 @@ TEST(Options, AreThoseOfListWithAndWithoutItsName) {
   }
 }
 
+/// The names of the members that the conditions are about: alternatives apart by "|".
+std::string Members(const inventory::Conditions& conditions) {
+  std::string members;
+  for (const auto& alternative : conditions) {
+    if (!members.empty()) members += " |";
+    for (const inventory::Condition& condition : alternative) {
+      members += " " + std::string(inventory::RecordColumns().at(condition.ColumnIndex()).name);
+    }
+  }
+  return members;
+}
+
 TEST(Options, SelectDrivers) {
   const Selection selection =
-      Parsed({"--match", "*net*", "--where", "state=Running", "--where", "name=a=b", "--sort", "size"}).selection;
-  EXPECT_EQ(selection.match, "*net*");
-  ASSERT_EQ(selection.conditions.size(), 2u);
-  EXPECT_EQ(selection.conditions[0].column.name, "state");
-  EXPECT_EQ(selection.conditions[0].pattern, "Running");
-  EXPECT_EQ(selection.conditions[1].column.name, "name");
-  EXPECT_EQ(selection.conditions[1].pattern, "a=b");
-  ASSERT_TRUE(selection.sort);
-  EXPECT_EQ(selection.sort->name, "size");
-  EXPECT_EQ(Parsed({"--where", "provider="}).selection.conditions.at(0).pattern, "");
+      Parsed({"--match", "net", "--where", "state=Running", "--where", "size<5", "--first", "12"}).selection;
+  EXPECT_EQ(selection.match, "net");
+  EXPECT_EQ(Members(selection.conditions), " state size");
+  const inventory::Condition& size = selection.conditions.at(0).at(1);
+  EXPECT_TRUE(size.Holds(std::uint64_t{4}, ""));
+  EXPECT_FALSE(size.Holds(std::uint64_t{5}, ""));
+  EXPECT_EQ(selection.first, 12u);
 }
+
+TEST(Options, SeparateAlternatives) {
+  EXPECT_EQ(Members(Parsed({"--where", "name=a", "--where", "state=b", "--or", "--where", "inf=c", "--quiet", "--or",
+                            "--where=kind=d", "--where", "size=1"})
+                        .selection.conditions),
+            " name state | inf | kind size");
+}
+
+TEST(Options, SortBySeveralMembers) {
+  const std::vector<SortColumn> sort =
+      Parsed({"--sort", "-size", "--sort", "name,-version", "--sort=-state"}).selection.sort;
+  ASSERT_EQ(sort.size(), 4u);
+  EXPECT_EQ(sort[0].column.name, "size");
+  EXPECT_TRUE(sort[0].isDescending);
+  EXPECT_EQ(sort[1].column.name, "name");
+  EXPECT_FALSE(sort[1].isDescending);
+  EXPECT_EQ(sort[2].column.name, "version");
+  EXPECT_TRUE(sort[2].isDescending);
+  EXPECT_EQ(sort[3].column.name, "state");
+  EXPECT_TRUE(sort[3].isDescending);
+}
+
+TEST(Options, CountGroups) {
+  const Options options = Parsed({"--group-by", "provider,state", "--sort", "-count,state"});
+  EXPECT_THAT(Names(options.groupBy), ElementsAre("provider", "state"));
+  EXPECT_EQ(options.selection.sort.at(0).column.name, "count");
+  EXPECT_THAT(Names(Parsed({"--group-by", "file_version", "--mode", "all"}).groupBy), ElementsAre("file_version"));
+}
+
+TEST(Options, MakeAFailureOfWhatIsLeft) {
+  EXPECT_TRUE(Parsed({"--fail-if-none"}).failIfNone);
+  EXPECT_TRUE(Parsed({"--mode", "all", "--fail-if-any"}).failIfAny);
+}
+
+TEST(Options, NameASnapshotToReadFrom) {
+  EXPECT_EQ(Parsed({"list", "--from", "a.json"}).from, "a.json");
+  EXPECT_EQ(Parsed({"health", "--from", "a.json"}).from, "a.json");
+}
+
+TEST(Options, TakeADashForStandardOutput) { EXPECT_EQ(Parsed({"snapshot", "-"}).file, "-"); }
 
 TEST(Options, NameTheFileOfASnapshot) {
   const Options options = Parsed({"snapshot", "diff", "--quiet", "--log-file", "log"});
@@ -171,6 +227,26 @@ TEST(Options, AskForHealth) {
   EXPECT_EQ(Parsed({"health"}).format, Format::Table);
 }
 
+TEST(Options, AskForVerification) {
+  EXPECT_FALSE(Parsed({"list"}).verify);
+  EXPECT_TRUE(Parsed({"list", "--verify"}).verify);
+  EXPECT_TRUE(Parsed({"snapshot", "s", "--verify"}).verify);
+  EXPECT_TRUE(Parsed({"health"}).verify);
+  EXPECT_FALSE(Parsed({"health", "--no-verify"}).verify);
+  const Options options = Parsed({"--known", "a.json", "--known", "b.xml"});
+  EXPECT_THAT(options.known, ElementsAre("a.json", "b.xml"));
+  EXPECT_TRUE(options.verify) << "a list is of no use without";
+}
+
+TEST(Options, ShowWhatWasVerified) {
+  EXPECT_THAT(Names(Parsed({"--verify"}).columns),
+              ElementsAre("kind", "name", "version", "state", "start_type", "provider", "service", "inf", "path",
+                          "signature", "signer", "known"));
+  EXPECT_THAT(Names(Parsed({"--verify", "--format", "html"}).columns),
+              ElementsAre("kind", "name", "description", "provider", "version", "service", "state", "start_type",
+                          "image_time", "inf", "path", "signature", "signer", "known"));
+}
+
 TEST(Options, NameFiles) {
   const Options options = Parsed({"--output", "\xD0\xB6.csv", "--log-file", "log.txt", "--log-level", "2"});
   EXPECT_EQ(options.output, "\xD0\xB6.csv");
@@ -178,9 +254,19 @@ TEST(Options, NameFiles) {
   EXPECT_EQ(options.logLevel, 2);
 }
 
+TEST(Options, NameTheDigestOfACollectionInEitherCase) {
+  const Options options = Parsed({"collect", "--unless-digest", std::string(32, 'a') + std::string(32, 'F')});
+  EXPECT_EQ(options.command, Command::Collect);
+  EXPECT_EQ(options.knownDigest, std::string(32, 'a') + std::string(32, 'F'));
+  EXPECT_EQ(Parsed({"collect"}).knownDigest, "");
+}
+
 TEST(Options, MayNameFilesThatBeginWithASlash) {
   const Options options = Parsed({"--output", "/tmp/list.csv", "--log-file", "/log"});
   EXPECT_EQ(options.output, "/tmp/list.csv");
+  EXPECT_EQ(Parsed({"snapshot", "/tmp/now.json"}).file, "/tmp/now.json");
+  const Options diff = Parsed({"diff", "/old", "/n"});
+  EXPECT_EQ(diff.file + " " + diff.newFile, "/old /n");
   EXPECT_EQ(options.logFile, "/log");
 }
 
@@ -189,9 +275,9 @@ TEST(Options, PrintHelpAndVersion) {
   EXPECT_FALSE(help.options);
   EXPECT_EQ(help.exitCode, 0);
   for (const char* const option :
-       {"--mode",    "--kind",   "--third-party", "--host-id",  "--raw",     "--bom",  "--format",
-        "--columns", "--output", "--log-level",   "--log-file", "--version", "--help", "--match",
-        "--where",   "--sort",   "--quiet",       "snapshot",   "diff",      "health"}) {
+       {"--mode",   "--kind",      "--third-party", "--host-id", "--raw",    "--bom",   "--format", "--columns",
+        "--output", "--log-level", "--log-file",    "--version", "--help",   "--match", "--where",  "--sort",
+        "--verify", "--known",     "--no-verify",   "--quiet",   "snapshot", "diff",    "health",   "collect"}) {
     EXPECT_THAT(help.text, HasSubstr(option));
   }
   const ParsedCommandLine version = ParseCommandLine({"--version"});
@@ -209,7 +295,8 @@ TEST(Options, PrintTheHelpOfEachCommand) {
       {"diff",
        {"OLD", "NEW", "live", "--format", "--output", "--host-id", "--log-level", "--log-file", "--quiet",
         "Exit code"}},
-      {"health", {"--format", "--output", "--host-id", "--log-level", "--log-file", "--quiet", "Exit code"}}};
+      {"health", {"--format", "--output", "--host-id", "--log-level", "--log-file", "--quiet", "Exit code"}},
+      {"collect", {"--unless-digest", "--output", "--host-id", "--log-level", "--log-file", "--quiet"}}};
   for (const auto& [command, words] : commands) {
     for (const char* const option : {"--help", "-h"}) {
       const ParsedCommandLine help = ParseCommandLine({command, option});
@@ -223,11 +310,19 @@ TEST(Options, PrintTheHelpOfEachCommand) {
 }
 
 TEST(Options, AreExplainedInLinesThatFitATerminal) {
-  for (const std::vector<std::string>& arguments :
-       {std::vector<std::string>{"--help"}, {"list", "--help"}, {"snapshot", "-h"}, {"diff", "-h"}, {"health", "-h"}}) {
+  for (const std::vector<std::string>& arguments : {std::vector<std::string>{"--help"},
+                                                    {"list", "--help"},
+                                                    {"snapshot", "-h"},
+                                                    {"diff", "-h"},
+                                                    {"health", "-h"},
+                                                    {"collect", "-h"}}) {
     std::istringstream help(ParseCommandLine(arguments).text);
     int lines = 0;
-    for (std::string line; std::getline(help, line); ++lines) EXPECT_LE(line.size(), 79u) << line;
+    for (std::string line; std::getline(help, line); ++lines) {
+      // Examples are to be copied, so they stay in one line.
+      const bool isExample = line.find_first_not_of(' ') == line.find("driverlist ");
+      EXPECT_TRUE(isExample || line.size() <= 79) << line;
+    }
     EXPECT_GT(lines, 10);
   }
 }
@@ -237,15 +332,10 @@ struct BadUsage {
   const char* sentence;
 };
 
-#define NO_COLUMN(option, text)                                                                              \
-  option ": \"" text                                                                                         \
-         "\" is none of kind, name, description, provider, version, product_version, version_key, service, " \
-         "path, state, start_type, image_missing, image_time, size, inf, original_inf, inf_date, class, "    \
-         "files, devices_using, instance_id, hardware_id, identity, names, problem_code, problem."
-#define NO_FIELD(option, text)                                                                            \
-  option ": \"" text                                                                                      \
-         "\" is none of name, description, provider, path, file_version, state, start_type, date, size, " \
-         "product_version, reserved1, reserved2, reserved_list, found_by_device."
+#define NO_MEMBER(option, name) option ": there is no member \"" name "\"; \"driverlist help members\" lists them all."
+#define NEAR_MEMBER(option, name, near) option ": there is no member \"" name "\"; did you mean \"" near "\"?"
+#define NO_CONDITION(text) \
+  "--where: \"" text "\" is no condition: write MEMBER=PATTERN, or !=, <, <=, > or >= instead of =."
 
 TEST(Options, RefuseBadUsageInOneSentence) {
   const BadUsage cases[] = {
@@ -255,16 +345,16 @@ TEST(Options, RefuseBadUsageInOneSentence) {
       {{"--mode"}, "--mode takes one value, once."},
       {{"--mode", "all", "--mode", "all"}, "--mode takes one value, once."},
       {{"--format", "xml"}, "--format: \"xml\" is none of csv, html, json, jsonl, markdown, table."},
-      {{"--columns", "name,colour"}, NO_COLUMN("--columns", "colour")},
-      {{"--columns", ""}, NO_COLUMN("--columns", "")},
-      {{"--columns", "name,file_version"}, NO_COLUMN("--columns", "file_version")},
-      {{"--columns", "kind", "--mode", "all"}, NO_FIELD("--columns", "kind")},
-      {{"--where", "colour=x"}, NO_COLUMN("--where", "colour")},
-      {{"--where", "date=x"}, NO_COLUMN("--where", "date")},
-      {{"--where", "inf=x", "--mode", "all"}, NO_FIELD("--where", "inf")},
-      {{"--sort", "colour"}, NO_COLUMN("--sort", "colour")},
-      {{"--sort", ""}, NO_COLUMN("--sort", "")},
-      {{"--sort", "version", "--mode", "all"}, NO_FIELD("--sort", "version")},
+      {{"--columns", "name,colour"}, NO_MEMBER("--columns", "colour")},
+      {{"--columns", ""}, NO_MEMBER("--columns", "")},
+      {{"--columns", "name,file_version"}, NEAR_MEMBER("--columns", "file_version", "version")},
+      {{"--columns", "kind", "--mode", "all"}, NO_MEMBER("--columns", "kind")},
+      {{"--where", "colour=x"}, NO_MEMBER("--where", "colour")},
+      {{"--where", "date=x"}, NEAR_MEMBER("--where", "date", "inf_date")},
+      {{"--where", "inf=x", "--mode", "all"}, NO_MEMBER("--where", "inf")},
+      {{"--sort", "colour"}, NO_MEMBER("--sort", "colour")},
+      {{"--sort", ""}, NO_MEMBER("--sort", "")},
+      {{"--sort", "version", "--mode", "all"}, NEAR_MEMBER("--sort", "version", "file_version")},
       {{"--columns", "name,size,name"}, "--columns: \"name\" is named twice."},
       {{"--kind", "driver"}, "--kind: \"driver\" is none of service, device, package, chipset."},
       {{"--kind", "device,"}, "--kind: \"\" is none of service, device, package, chipset."},
@@ -286,15 +376,40 @@ TEST(Options, RefuseBadUsageInOneSentence) {
       {{"--log-level", "5"}, "--log-level: \"5\" is none of 0, 1, 2, 3, 4."},
       {{"--log-level", "-1"}, "--log-level: \"-1\" is none of 0, 1, 2, 3, 4."},
       {{"--log-level", "many"}, "--log-level: \"many\" is none of 0, 1, 2, 3, 4."},
-      {{"--match", ""}, "--match: the pattern is empty."},
+      {{"--match", ""}, "--match: the text is empty."},
       {{"--match", "a", "--match", "b"}, "--match takes one value, once."},
-      {{"--where", "state"}, "--where: \"state\" is not of the form COLUMN=PATTERN."},
-      {{"--where", ""}, "--where: \"\" is not of the form COLUMN=PATTERN."},
+      {{"--where", "state"}, NO_CONDITION("state")},
+      {{"--where", ""}, NO_CONDITION("")},
       {{"--where"}, "--where takes one value each time."},
       {{"--where", "state=x", "--where"}, "--where takes one value each time."},
       {{"--where", "state=x", "name=y"}, "unknown argument: name=y."},
-      {{"--sort"}, "--sort takes one value, once."},
-      {{"--sort", "name", "--sort", "size"}, "--sort takes one value, once."},
+      {{"--where", "name<m"},
+       "--where: name is a text, which < does not compare: use = or != with a pattern, such as name=a*."},
+      {{"--or"}, "--or needs a --where on both sides."},
+      {{"--where", "name=a", "--or"}, "--or needs a --where on both sides."},
+      {{"--or", "--where", "name=a"}, "--or needs a --where on both sides."},
+      {{"--where", "name=a", "--or", "--or", "--where", "name=b"}, "--or needs a --where on both sides."},
+      {{"--or=1"}, "--or takes no value."},
+      {{"--sort"}, "--sort takes one value each time."},
+      {{"--sort", "-"}, NO_MEMBER("--sort", "")},
+      {{"--sort", "-nmae"}, NEAR_MEMBER("--sort", "nmae", "name")},
+      {{"--sort", "name,"}, NO_MEMBER("--sort", "")},
+      {{"--group-by", "colour"}, NO_MEMBER("--group-by", "colour")},
+      {{"--group-by", "kind,kind"}, "--group-by: \"kind\" is named twice."},
+      {{"--group-by", "kind", "--sort", "name"}, NO_MEMBER("--sort", "name")},
+      {{"--group-by", "kind", "--columns", "name"}, "--columns cannot be used with --group-by."},
+      {{"--first", "0"}, "--first: \"0\" is no number from 1 to 999999999."},
+      {{"--first", "-1"}, "--first: \"-1\" is no number from 1 to 999999999."},
+      {{"--first", "ten"}, "--first: \"ten\" is no number from 1 to 999999999."},
+      {{"--first", "1000000000"}, "--first: \"1000000000\" is no number from 1 to 999999999."},
+      {{"--fail-if-none", "--fail-if-any"}, "--fail-if-none cannot be used with --fail-if-any."},
+      {{"--from", ""}, "--from: the name is empty."},
+      {{"--from", "a", "--mode", "all"}, "--from cannot be used with --mode."},
+      {{"--from", "a", "--host-id", "b"}, "--from cannot be used with --host-id."},
+      {{"health", "--from", "a", "--host-id", "b"}, "--from cannot be used with --host-id."},
+      {{"snapshot", "a", "--from", "b"}, "unknown argument: --from b."},
+      {{"diff", "live", "a.json"}, "OLD: \"live\" can only be the newer side: write \"driverlist diff a.json live\"."},
+      {{"diff", "live", "live"}, "OLD: \"live\" can only be the newer side: write \"driverlist diff FILE live\"."},
       {{"--quiet=no"}, "--quiet takes no value."},
       {{"list", "list"}, "unknown argument: list."},
       {{"--mode", "all", "health"}, "unknown argument: health."},
@@ -307,6 +422,19 @@ TEST(Options, RefuseBadUsageInOneSentence) {
       {{"diff", "a", "b", "c", "d"}, "unknown argument: c d."},
       {{"diff", "a", "b", "--format", "csv"}, "--format: \"csv\" is none of json, table."},
       {{"diff", "a", "b", "--output", ""}, "--output: the name is empty."},
+      {{"--verify", "--mode", "all"}, "--verify cannot be used with --mode."},
+      {{"--known", "a", "--mode", "all"}, "--known cannot be used with --mode."},
+      {{"--known", ""}, "--known: the name is empty."},
+      {{"--where", "signature=invalid"}, "--where: \"signature\" is known with --verify only."},
+      {{"health", "--known", "a", "--no-verify"}, "--known cannot be used with --no-verify."},
+      {{"diff", "a", "b", "--verify"}, "unknown argument: --verify."},
+      {{"collect", "x"}, "unknown argument: x."},
+      {{"collect", "--unless-digest", "abc"}, "--unless-digest: \"abc\" is not a digest of 64 hexadecimal digits."},
+      {{"collect", "--unless-digest", "aaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaag"},
+       "--unless-digest: \"aaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaag\" is not a digest of 64 "
+       "hexadecimal digits."},
+      {{"collect", "--unless-digest"}, "--unless-digest takes one value, once."},
+      {{"collect", "--format", "json"}, "unknown argument: --format json."},
       {{"health", "x"}, "unknown argument: x."},
       {{"health", "--mode", "all"}, "unknown argument: --mode all."},
       {{"health", "--format", "html"}, "--format: \"html\" is none of json, table."},

@@ -7,7 +7,7 @@
 #include "machine.h"
 #include "platform/encoding.h"
 #include "platform/handles.h"
-#include "program.h"
+#include "temporaryfiles.h"
 
 using namespace driverlist;
 using Orvane::ErrorText;
@@ -17,13 +17,6 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 namespace {
-
-void WriteDirectly(const std::wstring& path, const std::string& text) {
-  const Orvane::FileHandle file(CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0, nullptr));
-  ASSERT_TRUE(file);
-  DWORD written = 0;
-  EXPECT_TRUE(WriteFile(file.get(), text.data(), static_cast<DWORD>(text.size()), &written, nullptr));
-}
 
 class FileOutput : public testing::Test {
  protected:
@@ -48,7 +41,7 @@ TEST_F(FileOutput, IsTheWholeTextByteForByte) {
 TEST_F(FileOutput, LeavesTheFormerFileWhenTheDiskIsFull) {
   Write(L"file", "old");
   int writes = 0;
-  HOOK(write, GetModuleHandleA(nullptr), WriteFile,
+  HOOK(write, test::ThisProgram(), WriteFile,
        [&](HANDLE file, const void* buffer, DWORD size, DWORD* written, OVERLAPPED* overlapped) {
          if (++writes == 1) return write.Real(file, buffer, size / 2, written, overlapped);
          SetLastError(ERROR_DISK_FULL);
@@ -61,7 +54,7 @@ TEST_F(FileOutput, LeavesTheFormerFileWhenTheDiskIsFull) {
 
 TEST_F(FileOutput, LeavesTheFormerFileWhenItCannotBeReplaced) {
   Write(L"file", "old");
-  HOOK(move, GetModuleHandleA(nullptr), MoveFileExW, [](const wchar_t*, const wchar_t*, DWORD) {
+  HOOK(move, test::ThisProgram(), MoveFileExW, [](const wchar_t*, const wchar_t*, DWORD) {
     SetLastError(ERROR_SHARING_VIOLATION);
     return FALSE;
   });
@@ -76,7 +69,7 @@ TEST_F(FileOutput, LeavesNothingWhenTheFolderIsMissing) {
 }
 
 TEST_F(FileOutput, RefusesAWriteThatTakesNothing) {
-  HOOK(write, GetModuleHandleA(nullptr), WriteFile, [](HANDLE, const void*, DWORD, DWORD* written, OVERLAPPED*) {
+  HOOK(write, test::ThisProgram(), WriteFile, [](HANDLE, const void*, DWORD, DWORD* written, OVERLAPPED*) {
     *written = 0;
     return TRUE;
   });
@@ -86,7 +79,7 @@ TEST_F(FileOutput, RefusesAWriteThatTakesNothing) {
 
 TEST_F(FileOutput, LeavesTheFormerFileWhenItCannotBeFlushed) {
   Write(L"file", "old");
-  HOOK(flush, GetModuleHandleA(nullptr), FlushFileBuffers, [](HANDLE) {
+  HOOK(flush, test::ThisProgram(), FlushFileBuffers, [](HANDLE) {
     SetLastError(ERROR_DISK_FULL);
     return FALSE;
   });
@@ -95,14 +88,43 @@ TEST_F(FileOutput, LeavesTheFormerFileWhenItCannotBeFlushed) {
   EXPECT_THAT(folder.Files(), ElementsAre(L"file"));
 }
 
+TEST_F(FileOutput, LeavesTheFormerFileWhenItCannotBeClosed) {
+  Write(L"file", "old");
+  HANDLE draft = nullptr;
+  HOOK(flush, GetModuleHandleA(nullptr), FlushFileBuffers, [&](HANDLE file) {
+    draft = file;
+    return flush.Real(file);
+  });
+  HOOK(close, GetModuleHandleA(nullptr), CloseHandle, [&](HANDLE handle) -> BOOL {
+    const BOOL isClosed = close.Real(handle);
+    if (handle != draft) return isClosed;
+    draft = nullptr;
+    SetLastError(ERROR_DISK_FULL);
+    return FALSE;
+  });
+  EXPECT_EQ(Write(L"file", "new"), ErrorText(ERROR_DISK_FULL));
+  EXPECT_EQ(Content(L"file"), "old");
+  EXPECT_THAT(folder.Files(), ElementsAre(L"file"));
+}
+
+TEST_F(FileOutput, LeavesTheDraftsOfProcessesThatItMayNotAskAbout) {
+  test::WriteText(folder.Path(L"file.driverlist-1.tmp"), "half");
+  HOOK(open, GetModuleHandleA(nullptr), OpenProcess, [](DWORD, BOOL, DWORD) -> HANDLE {
+    SetLastError(ERROR_ACCESS_DENIED);
+    return nullptr;
+  });
+  EXPECT_EQ(Write(L"file", "new"), "");
+  EXPECT_THAT(folder.Files(), testing::UnorderedElementsAre(L"file", L"file.driverlist-1.tmp"));
+}
+
 TEST_F(FileOutput, ClearsAwayDraftsOfProcessesThatEnded) {
   // No process has an odd number.
-  WriteDirectly(folder.Path(L"file.driverlist-1.tmp"), "half");
+  test::WriteText(folder.Path(L"file.driverlist-1.tmp"), "half");
   const std::wstring ours = L"file.driverlist-" + std::to_wstring(GetCurrentProcessId()) + L".tmp";
-  WriteDirectly(folder.Path(ours), "half");
+  test::WriteText(folder.Path(ours), "half");
   for (const wchar_t* const other : {L"file.driverlist-x.tmp", L"file.driverlist-1x.tmp", L"file.driverlist-.tmp",
                                      L"file.1.tmp", L"other.driverlist-1.tmp"}) {
-    WriteDirectly(folder.Path(other), "not ours");
+    test::WriteText(folder.Path(other), "not ours");
   }
   EXPECT_EQ(Write(L"file", "new"), "");
   EXPECT_EQ(Content(L"file"), "new");
@@ -112,32 +134,32 @@ TEST_F(FileOutput, ClearsAwayDraftsOfProcessesThatEnded) {
 }
 
 TEST_F(FileOutput, LeavesTheDraftsOfProcessesThatRun) {
-  PROCESS_INFORMATION process{};
+  PROCESS_INFORMATION started{};
   STARTUPINFOW start{};
   start.cb = sizeof(start);
   std::wstring program = test::ProgramDirectory() + L"\\driverlist.exe --version";
   ASSERT_TRUE(CreateProcessW(nullptr, program.data(), nullptr, nullptr, FALSE, CREATE_SUSPENDED, nullptr, nullptr,
-                             &start, &process));
-  const std::wstring draft = L"file.driverlist-" + std::to_wstring(process.dwProcessId) + L".tmp";
-  WriteDirectly(folder.Path(draft), "half");
+                             &start, &started));
+  const Orvane::ProcessHandle process(started.hProcess);
+  const Orvane::ProcessHandle thread(started.hThread);
+  const std::wstring draft = L"file.driverlist-" + std::to_wstring(started.dwProcessId) + L".tmp";
+  test::WriteText(folder.Path(draft), "half");
   EXPECT_EQ(Write(L"file", "new"), "");
   EXPECT_THAT(folder.Files(), testing::UnorderedElementsAre(L"file", draft));
 
-  TerminateProcess(process.hProcess, 1);
-  WaitForSingleObject(process.hProcess, INFINITE);
+  TerminateProcess(process.get(), 1);
+  WaitForSingleObject(process.get(), INFINITE);
   EXPECT_EQ(Write(L"file", "newer"), "");
   EXPECT_THAT(folder.Files(), ElementsAre(L"file")) << "also while someone still holds the process";
-  CloseHandle(process.hProcess);
-  CloseHandle(process.hThread);
 }
 
 TEST_F(FileOutput, GoesToADeviceAsItIs) { EXPECT_EQ(WriteFileWhole("NUL", "text"), ""); }
 
 TEST(ConsoleOutput, IsWrittenInUtf16WithoutCuttingACharacter) {
   std::vector<std::wstring> written;
-  HOOK(mode, GetModuleHandleA(nullptr), GetConsoleMode,
+  HOOK(mode, test::ThisProgram(), GetConsoleMode,
        [](HANDLE handle, DWORD*) -> BOOL { return handle == GetStdHandle(STD_OUTPUT_HANDLE); });
-  HOOK(write, GetModuleHandleA(nullptr), WriteConsoleW,
+  HOOK(write, test::ThisProgram(), WriteConsoleW,
        [&](HANDLE, const void* text, DWORD length, DWORD* count, void*) -> BOOL {
          written.emplace_back(static_cast<const wchar_t*>(text), length);
          *count = length;
@@ -151,8 +173,8 @@ TEST(ConsoleOutput, IsWrittenInUtf16WithoutCuttingACharacter) {
 }
 
 TEST(ConsoleOutput, TellsWhatWentWrong) {
-  HOOK(mode, GetModuleHandleA(nullptr), GetConsoleMode, [](HANDLE, DWORD*) { return TRUE; });
-  HOOK(write, GetModuleHandleA(nullptr), WriteConsoleW, [](HANDLE, const void*, DWORD, DWORD*, void*) -> BOOL {
+  HOOK(mode, test::ThisProgram(), GetConsoleMode, [](HANDLE, DWORD*) { return TRUE; });
+  HOOK(write, test::ThisProgram(), WriteConsoleW, [](HANDLE, const void*, DWORD, DWORD*, void*) -> BOOL {
     SetLastError(ERROR_INVALID_HANDLE);
     return FALSE;
   });
@@ -161,19 +183,18 @@ TEST(ConsoleOutput, TellsWhatWentWrong) {
 
 TEST(ConsoleOutput, IsOneColumnNarrowerThanItsWindow) {
   SMALL_RECT window = {5, 0, 84, 24};
-  HOOK(info, GetModuleHandleA(nullptr), GetConsoleScreenBufferInfo,
-       [&](HANDLE, CONSOLE_SCREEN_BUFFER_INFO* buffer) -> BOOL {
-         buffer->dwSize = {300, 9999};
-         buffer->srWindow = window;
-         return TRUE;
-       });
+  HOOK(info, test::ThisProgram(), GetConsoleScreenBufferInfo, [&](HANDLE, CONSOLE_SCREEN_BUFFER_INFO* buffer) -> BOOL {
+    buffer->dwSize = {300, 9999};
+    buffer->srWindow = window;
+    return TRUE;
+  });
   EXPECT_EQ(TerminalWidth(), 79u);
   window = {0, 0, 0, 0};
   EXPECT_EQ(TerminalWidth(), 1u) << "a window of one column";
 }
 
 TEST(ConsoleOutput, HasAWidthOfItsOwnForErrors) {
-  HOOK(info, GetModuleHandleA(nullptr), GetConsoleScreenBufferInfo,
+  HOOK(info, test::ThisProgram(), GetConsoleScreenBufferInfo,
        [](HANDLE handle, CONSOLE_SCREEN_BUFFER_INFO* buffer) -> BOOL {
          buffer->srWindow = {0, 0, 99, 24};
          return handle == GetStdHandle(STD_ERROR_HANDLE);
@@ -183,7 +204,7 @@ TEST(ConsoleOutput, HasAWidthOfItsOwnForErrors) {
 }
 
 TEST(ConsoleOutput, HasNoWidthWithoutConsole) {
-  HOOK(info, GetModuleHandleA(nullptr), GetConsoleScreenBufferInfo,
+  HOOK(info, test::ThisProgram(), GetConsoleScreenBufferInfo,
        [](HANDLE, CONSOLE_SCREEN_BUFFER_INFO*) { return FALSE; });
   EXPECT_EQ(TerminalWidth(), 0u);
 }

@@ -5,10 +5,13 @@
 #include <memory>
 #include <nlohmann/json.hpp>
 
+#include "platform/encoding.h"
 #include "platform/handles.h"
 #include "program.h"
 #include "scratchmachine.h"
+#include "terminal/output.h"
 
+using test::Driverlist;
 using test::DriverService;
 using test::ProgramResult;
 using test::ScratchFile;
@@ -18,12 +21,6 @@ using testing::MatchesRegex;
 using testing::StartsWith;
 
 namespace {
-
-std::string DriverPath(const std::string& file) { return test::SystemDirectory() + "\\drivers\\" + file; }
-
-ProgramResult Driverlist(const std::wstring& arguments, HANDLE output = nullptr) {
-  return test::RunProgram("driverlist.exe", arguments, output);
-}
 
 std::string Expected(const std::wstring& file) { return test::FileContent(L"expected\\" + file); }
 
@@ -41,9 +38,9 @@ class Program : public test::ScratchMachine {
 
  private:
   struct Machine {
-    ScratchFile bus{DriverPath("OiBus.sys"), L"images\\full.sys"};
-    ScratchFile german{DriverPath("OiGeraet.sys"), L"images\\codepage.sys"};
-    ScratchFile plain{DriverPath("OiPlain.sys"), 4096};
+    ScratchFile bus{test::DriverPath("OiBus.sys"), L"images\\full.sys"};
+    ScratchFile german{test::DriverPath("OiGeraet.sys"), L"images\\codepage.sys"};
+    ScratchFile plain{test::DriverPath("OiPlain.sys"), 4096};
     DriverService busService{"OiBus", "\\SystemRoot\\System32\\drivers\\OiBus.sys", SERVICE_BOOT_START};
     DriverService germanService{"OiGeraet", "System32\\drivers\\OiGeraet.sys", SERVICE_AUTO_START};
     DriverService plainService{"OiPlain", "System32\\drivers\\OiPlain.sys", SERVICE_DISABLED};
@@ -119,7 +116,7 @@ TEST_F(Program, ListsWhatIsChosen) {
 }
 
 TEST_F(Program, LeavesOutTheMakerOfWindows) {
-  const ScratchFile image(DriverPath("OiInbox.sys"), L"images\\full.sys");
+  const ScratchFile image(test::DriverPath("OiInbox.sys"), L"images\\full.sys");
   test::VersionSettings version;
   version.texts = {{L"CompanyName", L"Microsoft Corporation"}};
   test::SetVersionResource(image.Path(), test::VersionResourceBytes(version));
@@ -130,7 +127,7 @@ TEST_F(Program, LeavesOutTheMakerOfWindows) {
 }
 
 TEST_F(Program, ReadsNamesOfEveryScript) {
-  const ScratchFile image(DriverPath("\u0442\u0435\u0441\u0442.sys"), L"images\\full.sys");
+  const ScratchFile image(test::DriverPath("\u0442\u0435\u0441\u0442.sys"), L"images\\full.sys");
   test::VersionSettings version;
   version.file[0] = 7;
   version.texts = {{L"CompanyName", L"\u65E5\u672C\u8A9E"}, {L"FileDescription", L"\U0001F680 \u0416"}};
@@ -183,7 +180,7 @@ TEST_F(Program, IdentifiesTheMachineAsTheUserSays) {
 }
 
 TEST_F(Program, MakesCsvFitForSpreadsheets) {
-  const ScratchFile image(DriverPath("OiSum.sys"), L"images\\full.sys");
+  const ScratchFile image(test::DriverPath("OiSum.sys"), L"images\\full.sys");
   test::VersionSettings version;
   version.texts = {{L"CompanyName", L"=1+1"}};
   test::SetVersionResource(image.Path(), test::VersionResourceBytes(version));
@@ -200,6 +197,7 @@ TEST_F(Program, ListsRegisteredDriversAsAPage) {
   EXPECT_THAT(result.output, StartsWith("<!doctype html>\n"));
   EXPECT_THAT(result.output, HasSubstr("registered"));
   EXPECT_THAT(result.output, HasSubstr("6.2.9200.16384"));
+  EXPECT_THAT(result.output, testing::Not(HasSubstr("Running services"))) << "it knows no inventory to sum up";
 }
 
 TEST_F(Program, ListsTheInventoryAsAPage) {
@@ -208,6 +206,7 @@ TEST_F(Program, ListsTheInventoryAsAPage) {
   EXPECT_EQ(result.errors, "");
   EXPECT_THAT(result.output, StartsWith("<!doctype html>\n"));
   EXPECT_THAT(result.output, HasSubstr("OiPlain.sys"));
+  EXPECT_THAT(result.output, HasSubstr("Running services"));
   EXPECT_THAT(result.output, testing::Not(HasSubstr("intel_chipset")));
 }
 
@@ -230,13 +229,7 @@ TEST_F(Program, SaysWhyAFileCannotBeWritten) {
 }
 
 TEST_F(Program, FailsWhenNobodyReadsItsOutput) {
-  SECURITY_ATTRIBUTES inherited = {sizeof(inherited), nullptr, TRUE};
-  HANDLE read = nullptr;
-  HANDLE write = nullptr;
-  ASSERT_TRUE(CreatePipe(&read, &write, &inherited, 0));
-  CloseHandle(read);
-  const ProgramResult result = Driverlist(L"--mode registered", write);
-  CloseHandle(write);
+  const ProgramResult result = Driverlist(L"--mode registered", test::UnreadPipe().get());
   EXPECT_EQ(result.exitCode, 1u);
   EXPECT_THAT(result.errors, MatchesRegex("driverlist: cannot write the output: .+\n"));
 }
@@ -294,6 +287,33 @@ TEST_F(Program, SaysWhenTheLogFileCannotBeWritten) {
   EXPECT_EQ(result.exitCode, 1u);
   EXPECT_EQ(result.output, Expected(L"registered.txt")) << "the list is there all the same";
   EXPECT_THAT(result.errors, MatchesRegex("driverlist: cannot write the log file Z:.dev.full: .+\n"));
+}
+
+TEST_F(Program, SaysOneThingWhenNeitherFileNorLogCanBeWritten) {
+  if (!test::IsWine()) GTEST_SKIP() << "there is no device that is full";
+  const ProgramResult result =
+      Driverlist(L"snapshot \"" + folder.Path(L"none\\now.json") + L"\" --log-file Z:\\dev\\full");
+  EXPECT_EQ(result.exitCode, 1u);
+  EXPECT_THAT(result.errors, MatchesRegex("driverlist: cannot write .*none.now.json: .+\n"));
+}
+
+TEST_F(Program, ReportsThatItIsOutOfMemory) {
+  const std::wstring snapshot = folder.Path(L"old.json");
+  EXPECT_EQ(driverlist::WriteFileWhole(Orvane::Utf8FromWide(snapshot),
+                                       R"({"kind": "driverlist snapshot", "schema_version": 2, "drivers": []})"),
+            "");
+  const std::pair<std::wstring, DWORD> commands[] = {{L"", 1},
+                                                     {L"--mode all", 1},
+                                                     {L"snapshot \"" + folder.Path(L"new.json") + L"\"", 1},
+                                                     {L"health", 2},
+                                                     {L"diff \"" + snapshot + L"\" live", 2}};
+  for (const auto& [arguments, exitCode] : commands) {
+    const ProgramResult result = test::RunProgram("nomemory\\driverlist.exe", arguments);
+    EXPECT_EQ(result.exitCode, exitCode);
+    EXPECT_EQ(result.output, "");
+    EXPECT_EQ(result.errors, "driverlist: out of memory.\n");
+  }
+  EXPECT_THAT(folder.Files(), testing::ElementsAre(L"old.json"));
 }
 
 TEST_F(Program, EchoesNoControlCharacter) {

@@ -5,6 +5,7 @@
 
 #include <memory>
 
+#include "codepage.h"
 #include "importhook.h"
 #include "inventory/inventory.h"
 #include "inventory/listing.h"
@@ -12,6 +13,7 @@
 #include "log.h"
 #include "platform/encoding.h"
 #include "scratchmachine.h"
+#include "scriptedterminal.h"
 
 using driverlist::Progress;
 using inventory::ProgressText;
@@ -44,6 +46,8 @@ TEST(ProgressText, PassesOverTheRest) {
 TEST(ProgressText, IsUtf8) {
   const std::string line = "DRIVERINFO.name=Ger\u00E4t.sys DRIVERINFO.file_version=";
   EXPECT_EQ(ProgressText(Orvane::AnsiFromUtf8(line)), "driver Ger\u00E4t.sys");
+  const test::WesternCodePage western;
+  EXPECT_EQ(ProgressText("DRIVERINFO.name=Ger\xE4t.sys DRIVERINFO.file_version="), "driver Ger\u00E4t.sys");
 }
 
 /// What the progress line would show while `act` runs.
@@ -62,23 +66,12 @@ std::vector<std::string> ProgressOf(Act act) {
 /// Standard error is a terminal of 31 columns, of which 30 are used, and time goes as the test says.
 class Terminal : public testing::Test {
  protected:
-  static bool IsError(HANDLE handle) { return handle == GetStdHandle(STD_ERROR_HANDLE); }
   static void Log(const std::string& line) { Orvane::Log(4, __FILE__, __LINE__).Stream() << line; }
 
-  const HMODULE program = GetModuleHandleA(nullptr);
-  std::vector<std::string> written;
+  const HMODULE program = test::ThisProgram();
+  const driverlist::ScriptedTerminal terminal{STD_ERROR_HANDLE, 31};
   unsigned long long now = 1000;
 
-  HOOK(info, program, GetConsoleScreenBufferInfo, [](HANDLE handle, CONSOLE_SCREEN_BUFFER_INFO* buffer) -> BOOL {
-    buffer->srWindow = {0, 0, 30, 24};
-    return IsError(handle);
-  });
-  HOOK(mode, program, GetConsoleMode, [](HANDLE handle, DWORD*) -> BOOL { return IsError(handle); });
-  HOOK(write, program, WriteConsoleW, [this](HANDLE, const void* text, DWORD length, DWORD* count, void*) -> BOOL {
-    written.push_back(Orvane::Utf8FromWide({static_cast<const wchar_t*>(text), length}));
-    *count = length;
-    return TRUE;
-  });
   HOOK(time, program, GetTickCount64, [this] { return now; });
 };
 
@@ -90,10 +83,11 @@ TEST_F(Terminal, ShowsOneLineThatIsGoneInTheEnd) {
     Log("Get driver version: 1.0");
     Log("DRIVERINFO.name=a.sys DRIVERINFO.file_version=1");
   }
-  EXPECT_THAT(written, ElementsAre("\rreading driver longname.sys", "\rreading driver a.sys" + std::string(7, ' '),
-                                   "\r" + std::string(20, ' ') + "\r"));
+  EXPECT_THAT(terminal.Written(),
+              ElementsAre("\rreading driver longname.sys", "\rreading driver a.sys" + std::string(7, ' '),
+                          "\r" + std::string(20, ' ') + "\r"));
   Log("DRIVERINFO.name=after.sys DRIVERINFO.file_version=1");
-  EXPECT_EQ(written.size(), 3u) << "nothing once it is gone";
+  EXPECT_EQ(terminal.Written().size(), 3u) << "nothing once it is gone";
 }
 
 TEST_F(Terminal, ShowsTenLinesASecondAtMost) {
@@ -102,13 +96,13 @@ TEST_F(Terminal, ShowsTenLinesASecondAtMost) {
     Log("DRIVERINFO.name=a.sys DRIVERINFO.file_version=1");
     ++now;
   }
-  EXPECT_EQ(written.size(), 10u);
+  EXPECT_EQ(terminal.Written().size(), 10u);
 }
 
 TEST_F(Terminal, IsNotWiderThanItsWindow) {
   const Progress progress(true);
   Log("DRIVERINFO.name=" + std::string(100, 'x') + "\x1B DRIVERINFO.file_version=1");
-  EXPECT_THAT(written, ElementsAre("\rreading driver " + std::string(14, 'x') + "\u2026"));
+  EXPECT_THAT(terminal.Written(), ElementsAre("\rreading driver " + std::string(14, 'x') + "\u2026"));
 }
 
 TEST_F(Terminal, CountsColumnsAndShowsUnseenCharacters) {
@@ -118,8 +112,8 @@ TEST_F(Terminal, CountsColumnsAndShowsUnseenCharacters) {
     now += 100;
     Log("DRIVERINFO.name=a\x1B DRIVERINFO.file_version=1");
   }
-  EXPECT_THAT(written, ElementsAre("\rreading driver \u65E5\u672C.sys", "\rreading driver a[U+001B]",
-                                   "\r" + std::string(24, ' ') + "\r"));
+  EXPECT_THAT(terminal.Written(), ElementsAre("\rreading driver \u65E5\u672C.sys", "\rreading driver a[U+001B]",
+                                              "\r" + std::string(24, ' ') + "\r"));
 }
 
 TEST_F(Terminal, StaysEmptyWhenNobodyWantsALine) {
@@ -128,7 +122,7 @@ TEST_F(Terminal, StaysEmptyWhenNobodyWantsALine) {
     Log("DRIVERINFO.name=a.sys DRIVERINFO.file_version=1");
   }
   { const Progress nothingToTell(true); }
-  EXPECT_THAT(written, IsEmpty());
+  EXPECT_THAT(terminal.Written(), IsEmpty());
 }
 
 TEST_F(Terminal, IsNoFile) {
@@ -140,7 +134,7 @@ TEST_F(Terminal, IsNoFile) {
     Log("DRIVERINFO.name=a.sys DRIVERINFO.file_version=1");
   }
   Orvane::LogToNothing();
-  EXPECT_THAT(written, IsEmpty());
+  EXPECT_THAT(terminal.Written(), IsEmpty());
   EXPECT_EQ(logged, 1) << "the log stays with whom it was";
 }
 
@@ -179,8 +173,9 @@ TEST_F(ProgramProgress, IsShownWhileTheInventoryIsCollected) {
   HOOK(passing, program, GetTickCount64, [this] { return now += 100; });
   {
     const Progress progress(true);
-    EXPECT_THAT(inventory::Collect("").records, testing::Not(IsEmpty()));
+    EXPECT_THAT(inventory::Collect({}).records, testing::Not(IsEmpty()));
   }
+  std::vector<std::string> written = terminal.Written();
   ASSERT_GE(written.size(), 5u);
   written.resize(5);
   for (std::string& text : written) text.erase(text.find_last_not_of(' ') + 1);

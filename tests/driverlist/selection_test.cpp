@@ -20,6 +20,14 @@ Record Service(const std::string& name, const std::string& version, const std::s
   return record;
 }
 
+constexpr char Now[] = "2024-06-01T00:00:00Z";
+
+std::vector<std::size_t> SelectedRows(const Table& table, const Selection& selection) {
+  std::vector<std::size_t> rows = ChosenRows(table, selection, Now);
+  SortAndCut(table, selection, rows);
+  return rows;
+}
+
 std::vector<std::string> Selected(const Records& records, const Selection& selection) {
   std::vector<std::string> names;
   for (const std::size_t row : SelectedRows(TableOf(records), selection)) names.push_back(records[row].name);
@@ -39,66 +47,35 @@ inventory::Column Field(const char* name) {
   return table.columns.at(IndexOf(table.columns, name));
 }
 
-Condition Where(const char* member, const std::string& pattern) { return {Member(member), pattern}; }
-
-Selection SortedBy(const inventory::Column& column) {
+Selection Where(const std::vector<std::string>& texts) {
   Selection selection;
-  selection.sort = column;
+  std::vector<inventory::Condition>& conditions = selection.conditions.emplace_back();
+  for (const std::string& text : texts) conditions.emplace_back(text, inventory::RecordColumns());
   return selection;
 }
 
-TEST(Pattern, IsForTheWholeText) {
-  EXPECT_TRUE(MatchesPattern("nlnet.sys", "nlnet.sys"));
-  EXPECT_FALSE(MatchesPattern("nlnet.sys", "nlnet"));
-  EXPECT_FALSE(MatchesPattern("nlnet", "nlnet.sys"));
-  EXPECT_TRUE(MatchesPattern("", ""));
-  EXPECT_FALSE(MatchesPattern("a", ""));
-  EXPECT_FALSE(MatchesPattern("", "a"));
-}
-
-TEST(Pattern, HasAStarForAnyCharacters) {
-  for (const char* const pattern : {"*", "nl*", "*.sys", "*net*", "n*t*s", "**nlnet.sys**", "nlnet.sys*"}) {
-    EXPECT_TRUE(MatchesPattern("nlnet.sys", pattern)) << pattern;
-  }
-  for (const char* const pattern : {"*x*", "net*", "*net", "n*x*s", "*nlnet.sys*s"}) {
-    EXPECT_FALSE(MatchesPattern("nlnet.sys", pattern)) << pattern;
-  }
-  EXPECT_TRUE(MatchesPattern("abababac", "*abac")) << "the last place is the one";
-  EXPECT_TRUE(MatchesPattern("", "*"));
-}
-
-TEST(Pattern, HasAQuestionMarkForOneCharacter) {
-  EXPECT_TRUE(MatchesPattern("oem1.inf", "oem?.inf"));
-  EXPECT_FALSE(MatchesPattern("oem12.inf", "oem?.inf"));
-  EXPECT_FALSE(MatchesPattern("oem.inf", "oem?.inf"));
-  EXPECT_FALSE(MatchesPattern("", "?"));
-  EXPECT_TRUE(MatchesPattern("Ger\u00E4t \u4E2D", "ger?t ?")) << "a character has as many bytes as it has";
-  EXPECT_TRUE(MatchesPattern("\u00E4\u00E4b", "*?b"));
-}
-
-TEST(Pattern, DoesNotLookAtCase) {
-  EXPECT_TRUE(MatchesPattern("ACPI.sys", "acpi.SYS"));
-  EXPECT_TRUE(MatchesPattern("GER\u00C4T \u0416", "ger\u00E4t \u0436"));
-}
-
-TEST(Pattern, TakesNoTimeForManyStars) {
-  EXPECT_FALSE(MatchesPattern(std::string(5000, 'a'), "*a*a*a*a*a*a*a*a*a*a*a*a*b"));
+Selection SortedBy(const inventory::Column& column, bool isDescending = false) {
+  Selection selection;
+  selection.sort = {{column, isDescending}};
+  return selection;
 }
 
 TEST(Selection, OfNothingIsEverythingInItsOrder) {
   EXPECT_THAT(Selected({Service("b", ""), Service("a", "")}, {}), ElementsAre("b", "a"));
 }
 
-TEST(Selection, MatchesAnyColumn) {
+TEST(Selection, FindsATextInAnyColumn) {
   Record package = Service("c", "3");
   package.kind = Kind::Package;
-  package.files = {"x", "running"};
+  package.files = {"x", "overrunning.sys"};
   Selection selection;
-  selection.match = "*running";
+  selection.match = "RUNNING";
   EXPECT_THAT(Selected({Service("a", "1", "Running"), Service("b", "2", "Stopped"), package}, selection),
               ElementsAre("a", "c"));
-  selection.match = "x;*";
-  EXPECT_THAT(Selected({Service("a", "1"), package}, selection), ElementsAre("c")) << "several texts are one";
+  selection.match = "run*";
+  EXPECT_THAT(Selected({Service("a", "1", "Running"), Service("b", "2", "Stopped"), package}, selection),
+              ElementsAre("a"))
+      << "with wildcards it is the whole text";
 }
 
 TEST(Selection, NeedsAllConditions) {
@@ -107,23 +84,39 @@ TEST(Selection, NeedsAllConditions) {
   gone.size = 1024;
   const Records records = {Service("a.sys", "1", "Running"), Service("b.sys", "1", "Stopped"), gone,
                            Service("a.sys", "2", "Running")};
-  Selection selection;
-  selection.conditions = {Where("name", "a*"), Where("state", "running"), Where("version", "1")};
-  EXPECT_THAT(SelectedRows(TableOf(records), selection), ElementsAre(0u));
-  selection.conditions = {Where("state", "")};
-  EXPECT_THAT(Selected(records, selection), ElementsAre("gone.sys")) << "an unknown state";
-  selection.conditions = {Where("image_missing", "true"), Where("size", "10?4"), Where("kind", "service")};
-  EXPECT_THAT(Selected(records, selection), ElementsAre("gone.sys"));
-  selection.conditions = {Where("image_missing", "true"), Where("name", "a*")};
-  EXPECT_THAT(Selected(records, selection), IsEmpty());
+  EXPECT_THAT(SelectedRows(TableOf(records), Where({"name=a*", "state=running", "version=1"})), ElementsAre(0u));
+  EXPECT_THAT(Selected(records, Where({"state="})), ElementsAre("gone.sys")) << "an unknown state";
+  EXPECT_THAT(Selected(records, Where({"image_missing=true", "size=10?4", "kind=service"})), ElementsAre("gone.sys"));
+  EXPECT_THAT(Selected(records, Where({"image_missing=true", "name=a*"})), IsEmpty());
+}
+
+TEST(Selection, NeedsOneAlternative) {
+  Selection selection = Where({"name=a*", "version<2"});
+  selection.conditions.push_back(Where({"state=stopped"}).conditions.front());
+  EXPECT_THAT(Selected({Service("a1", "1"), Service("a2", "2"), Service("b", "2", "Stopped")}, selection),
+              ElementsAre("a1", "b"));
+}
+
+TEST(Selection, CountsAgesFromTheTimeOfTheListing) {
+  Records records = {Service("old", ""), Service("new", "")};
+  records[0].image_time = "2024-05-01T00:00:00Z";
+  records[1].image_time = "2024-05-20T00:00:00Z";
+  EXPECT_THAT(Selected(records, Where({"image_time>30d"})), ElementsAre("old"));
 }
 
 TEST(Selection, AndsConditionsAndMatch) {
-  Selection selection;
-  selection.match = "*.sys";
-  selection.conditions = {Where("version", "2")};
+  Selection selection = Where({"version=2"});
+  selection.match = ".sys";
   EXPECT_THAT(Selected({Service("a.sys", "1"), Service("b.sys", "2"), Service("c.inf", "2")}, selection),
               ElementsAre("b.sys"));
+}
+
+TEST(Selection, KeepsTheFirst) {
+  Selection selection = SortedBy(Member("name"));
+  selection.first = 2;
+  EXPECT_THAT(Selected({Service("c", ""), Service("a", ""), Service("b", "")}, selection), ElementsAre("a", "b"));
+  selection.first = 9;
+  EXPECT_THAT(Selected({Service("c", ""), Service("a", "")}, selection), ElementsAre("a", "c"));
 }
 
 TEST(Selection, MatchesTextsOfEveryScript) {
@@ -138,7 +131,8 @@ TEST(Selection, ChoosesFromAListingOfTheLibrary) {
   device.name = "device";
   device.found_by_device = 1;
   Selection selection;
-  selection.conditions = {{Field("found_by_device"), "0"}};
+  const Table table = TableOf(std::vector<ListedDriver>());
+  selection.conditions = {{inventory::Condition("found_by_device=0", table.columns)}};
   EXPECT_THAT(Selected({device, ListedDriver()}, selection), ElementsAre(""));
 }
 
@@ -148,6 +142,27 @@ TEST(Sort, OrdersVersionsByTheirKeys) {
                SortedBy(Member("version"))),
       ElementsAre("unknown", "nine", "alpha", "ten"))
       << "components are hexadecimal";
+}
+
+TEST(Sort, OrdersProductVersionsAsVersions) {
+  Records records = {Service("ten", ""), Service("nine", "")};
+  records[0].product_version = "10.0";
+  records[1].product_version = "9.9";
+  EXPECT_THAT(Selected(records, SortedBy(Member("product_version"))), ElementsAre("nine", "ten"));
+  std::vector<ListedDriver> drivers(2);
+  drivers[0].name = drivers[0].product_version = "10.0";
+  drivers[1].name = drivers[1].product_version = "9.9";
+  EXPECT_THAT(Selected(drivers, SortedBy(Field("product_version"))), ElementsAre("9.9", "10.0"));
+}
+
+TEST(Sort, KeepsTheOrderOfManyEqualRows) {
+  Records records;
+  std::vector<std::string> names;
+  for (int i = 0; i < 100; ++i) {
+    names.push_back("driver " + std::to_string(i));
+    records.push_back(Service(names.back(), "1.0"));
+  }
+  EXPECT_EQ(Selected(records, SortedBy(Member("version"))), names);
 }
 
 TEST(Sort, TakesNoVersionForAnUnknownOne) {
@@ -196,6 +211,56 @@ TEST(Sort, PutsFalseBeforeTrue) {
   Records records = {Service("gone", ""), Service("there", "")};
   records[0].image_missing = true;
   EXPECT_THAT(Selected(records, SortedBy(Member("image_missing"))), ElementsAre("there", "gone"));
+}
+
+TEST(Sort, TurnsTheOrderRound) {
+  EXPECT_THAT(Selected({Service("nine", "9.9"), Service("unknown", ""), Service("ten", "10.0")},
+                       SortedBy(Member("version"), true)),
+              ElementsAre("ten", "nine", "unknown"));
+}
+
+TEST(Sort, OrdersBySeveralColumnsTheFirstFirst) {
+  Selection selection;
+  selection.sort = {{Member("state"), true}, {Member("version"), false}};
+  EXPECT_THAT(Selected({Service("a", "10", "Running"), Service("b", "2", "Stopped"), Service("c", "9", "Running"),
+                        Service("d", "1", "Stopped"), Service("e", "2", "Stopped")},
+                       selection),
+              ElementsAre("d", "b", "e", "c", "a"));
+}
+
+std::vector<std::string> Lines(const Table& table) {
+  std::vector<std::string> lines;
+  for (const auto& row : table.rows) {
+    std::string& line = lines.emplace_back();
+    for (const Cell& cell : row) line += (line.empty() ? "" : " ") + inventory::TextOf(cell.value);
+  }
+  return lines;
+}
+
+TEST(Groups, CountRowsOfEqualValuesTheLargestFirst) {
+  const Table table = TableOf(Records{Service("a", "2", "Stopped"), Service("b", "1", "Running"),
+                                      Service("c", "10", "Running"), Service("d", "9", "Paused"), Service("e", "9")});
+  const Table groups = Grouped(table, {0, 1, 2, 3, 4}, {Member("state")});
+  ASSERT_EQ(groups.columns.size(), 2u);
+  EXPECT_EQ(groups.columns[1].name, "count");
+  EXPECT_THAT(Lines(groups), ElementsAre("Running 2", "1", "Paused 1", "Stopped 1"));
+  EXPECT_THAT(Lines(Grouped(table, {0, 1}, {Member("state"), Member("kind")})),
+              ElementsAre("Running service 1", "Stopped service 1"));
+  EXPECT_THAT(Lines(Grouped(table, {0, 2, 3, 4}, {Member("version")})), ElementsAre("9 2", "2 1", "10 1"))
+      << "groups of one size are ordered as versions";
+  EXPECT_THAT(Lines(Grouped(table, {}, {Member("state")})), IsEmpty());
+}
+
+TEST(Groups, KeepValuesOfTheirTypes) {
+  Record record = Service("a", "");
+  record.size = 7;
+  record.image_missing = true;
+  const Table groups =
+      Grouped(TableOf(Records{record}), {0}, {Member("size"), Member("image_missing"), Member("name")});
+  EXPECT_EQ(groups.rows.at(0).at(0).value, inventory::Value(std::uint64_t{7}));
+  EXPECT_EQ(groups.rows.at(0).at(1).value, inventory::Value(true));
+  EXPECT_EQ(groups.rows.at(0).at(2).tone, Tone::Plain) << "a group is neither good nor bad";
+  EXPECT_EQ(groups.rows.at(0).at(3).value, inventory::Value(std::uint64_t{1}));
 }
 
 TEST(Part, HasTheRowsAndColumnsAskedForInTheirOrder) {

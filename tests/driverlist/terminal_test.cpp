@@ -5,10 +5,12 @@
 #include <memory>
 
 #include "commands/commands.h"
-#include "importhook.h"
+#include "logcapture.h"
 #include "platform/encoding.h"
-#include "program.h"
 #include "scratchmachine.h"
+#include "scriptedterminal.h"
+#include "temporaryfiles.h"
+#include "terminal/logfile.h"
 
 using testing::HasSubstr;
 using testing::Not;
@@ -17,22 +19,9 @@ namespace {
 
 /// What `arguments` of list print on a terminal of `width` columns.
 std::string OnATerminal(SHORT width, const std::vector<std::string>& arguments) {
-  const HMODULE program = GetModuleHandleA(nullptr);
-  const auto isOutput = [](HANDLE handle) -> BOOL { return handle == GetStdHandle(STD_OUTPUT_HANDLE); };
-  std::string written;
-  HOOK(info, program, GetConsoleScreenBufferInfo, [&](HANDLE handle, CONSOLE_SCREEN_BUFFER_INFO* buffer) -> BOOL {
-    buffer->srWindow = {0, 0, static_cast<SHORT>(width - 1), 24};
-    return isOutput(handle);
-  });
-  HOOK(get, program, GetConsoleMode, [&](HANDLE handle, DWORD*) { return isOutput(handle); });
-  HOOK(set, program, SetConsoleMode, [](HANDLE, DWORD) { return TRUE; });
-  HOOK(write, program, WriteConsoleW, [&](HANDLE, const void* text, DWORD length, DWORD* count, void*) -> BOOL {
-    written += Orvane::Utf8FromWide({static_cast<const wchar_t*>(text), length});
-    *count = length;
-    return TRUE;
-  });
+  const driverlist::ScriptedTerminal terminal(STD_OUTPUT_HANDLE, width);
   EXPECT_EQ(driverlist::RunList(driverlist::ParseCommandLine(arguments).options.value()), 0);
-  return written;
+  return terminal.Text();
 }
 
 class ProgramOnATerminal : public test::ScratchMachine {
@@ -95,6 +84,36 @@ TEST_F(ProgramOnATerminal, WritesAFileAsIfThereWereNoTerminal) {
             "kind     name       version         state    start_type  provider         service  inf  path\n"
             "service  OiBus.sys  6.2.9200.16384  Stopped  Manual      Example Systems  OiBus         "
             "C:\\windows\\System32\\drivers\\OiBus.sys\n");
+}
+
+/// Runs a list into a file. What it shows on a terminal for errors.
+std::string ShownWhileListing(std::vector<std::string> arguments) {
+  const test::TemporaryFolder folder;
+  arguments.insert(arguments.end(), {"--output", Orvane::Utf8FromWide(folder.Path(L"list.txt"))});
+  const driverlist::ScriptedTerminal terminal(STD_ERROR_HANDLE, 80);
+  EXPECT_EQ(driverlist::RunList(driverlist::ParseCommandLine(arguments).options.value()), 0);
+  return terminal.Text();
+}
+
+TEST_F(ProgramOnATerminal, ShowsItsProgress) {
+  EXPECT_THAT(ShownWhileListing({}), HasSubstr("reading "));
+  EXPECT_EQ(ShownWhileListing({"--quiet"}), "");
+}
+
+TEST_F(ProgramOnATerminal, LogsToAFileInsteadOfShowingItsProgress) {
+  const test::TemporaryFolder folder;
+  const std::string file = Orvane::Utf8FromWide(folder.Path(L"log.txt"));
+  {
+    const driverlist::LogFile log(file);
+    EXPECT_EQ(ShownWhileListing({"--log-file", file}), "");
+  }
+  EXPECT_THAT(test::FileContent(folder.Path(L"log.txt")), HasSubstr("Start to list registered driver files."));
+}
+
+TEST_F(ProgramOnATerminal, LogsInsteadOfShowingItsProgress) {
+  test::LogCapture log;
+  EXPECT_EQ(ShownWhileListing({"--log-level", "4"}), "");
+  EXPECT_THAT(log.Take(), testing::Contains(test::LogLine{4, "Start to list registered driver files."}));
 }
 
 }  // namespace

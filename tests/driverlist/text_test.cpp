@@ -20,7 +20,7 @@ TEST(Visible, ShowsWhatTurnsOrHidesText) {
 }
 
 TEST(Visible, LeavesEveryScriptAsItIs) {
-  for (const char* const text : {"", "acpi.sys", "Ger\u00E4t \u20AC", "\u0442\u0435\u0441\u0442.sys",
+  for (const char* const text : {"", "acpi.sys", "Ger\u00E4t \u20AC", "10\u00A0000", "\u0442\u0435\u0441\u0442.sys",
                                  "\u65E5\u672C\u8A9E", "\U0001F5A7\uFE0F", "\u0645\u06CC\u200C\u062E", "e\u0301"}) {
     EXPECT_EQ(Visible(text), text);
   }

@@ -5,6 +5,7 @@ import collections
 import html.parser
 import json
 import pathlib
+import re
 import sys
 import unittest
 
@@ -133,7 +134,13 @@ def subjects(records):
     services, devices = of_kind(records, "service"), of_kind(records, "device")
     driven = [service for service in services if "image_missing" not in service]
     driven += [device for device in devices if not has_no_driver(device)]
+    system = re.compile(r"c:\\(windows|program files|program files \(x86\))\\", re.IGNORECASE)
     return {
+        # The reports are made without a look at the images.
+        **{rule: [] for rule in ("known-malicious", "known-vulnerable", "signature-invalid", "unsigned", "listed-name")},
+        "image-in-user-folder": [service["service"] for service in services
+                                 if "image_missing" not in service and not system.match(service["path"])],
+        "device-problem": [device["name"] for device in devices if "problem_code" in device],
         "device-without-driver": [device["name"] for device in devices if has_no_driver(device)],
         "not-running": [service["service"] for service in services
                         if service.get("start_type") in START_TYPES[:3] and not is_running(service)],

@@ -267,10 +267,12 @@ class HostileRecords(Page):
     def test_are_shown_as_text(self):
         self.assertEqual(self.names(), HOSTILE)
         labels = chromium.run("return Array.from(document.querySelectorAll('thead th'), (th) => th.textContent)")
-        for label in set(labels) - NOT_TEXT - {"Files", "Names"}:
+        for label in set(labels) - NOT_TEXT - {"Files", "Names", "Known as"}:
             self.assertEqual(self.column(label), HOSTILE, label)
         for label in ("Files", "Names"):
             self.assertEqual(self.column(label), [f"{name}\n{name}" for name in HOSTILE])
+        known = [f"{name}: {name}, vulnerable, name-and-version" for name in HOSTILE]
+        self.assertEqual(self.column("Known as"), known)
         labels = chromium.run("return Array.from(document.querySelectorAll('.label'), (label) => label.textContent)")
         self.assertEqual(set(labels[:8]) - set(HOSTILE), set())
 
@@ -284,7 +286,7 @@ class HostileRecords(Page):
 
     def test_add_no_element_and_run_no_script(self):
         count = "return document.querySelectorAll(arguments[0]).length"
-        elements = {"script": 1, "style": 1, "table": 1, "h1": 1, "tbody tr": 12, "tbody tr > *": 12 * 26, "img": 0,
+        elements = {"script": 1, "style": 1, "table": 1, "h1": 1, "tbody tr": 12, "tbody tr > *": 12 * 36, "img": 0,
                     "iframe": 0, "svg": chromium.run(count, ".bars li"), "[onload], [onerror], [onmouseover]": 0}
         self.assertEqual({selector: chromium.run(count, selector) for selector in elements}, elements)
         kinds = chromium.run(

@@ -49,6 +49,7 @@ Record Of(const std::string& text) {
       record.*(*own) = {text, text};
     }
   }
+  record.known = {{text, text, "", trust::Category::Vulnerable, trust::MatchKind::NameAndVersion, {}}};
   return record;
 }
 
@@ -201,7 +202,7 @@ int wmain(int argc, wchar_t** argv) {
   }
   const std::string folder = Orvane::Utf8FromWide(argv[1]) + "\\";
   const Columns all = driverlist::ColumnsOf(std::nullopt);
-  const Columns usual = driverlist::DefaultColumns(all, driverlist::Format::Html);
+  const Columns usual = driverlist::DefaultColumns(all, driverlist::Format::Html, false);
   const bool isWritten = Write(folder + "sorting.html", ToBeSorted(), all) &&
                          Write(folder + "hostile.html", Hostile(), all) && Write(folder + "large.html", Large(), all) &&
                          Write(folder + "empty.html", {}, all) && Write(folder + "scripts.html", Scripts(), usual) &&

@@ -2,9 +2,11 @@
 #include <string>
 #include <vector>
 
-#include "commands/commands.h"
+#include "commands/commandtable.h"
 #include "commands/delivery.h"
+#include "commands/helptext.h"
 #include "commands/options.h"
+#include "inventory/knownlists.h"
 #include "log.h"
 #include "platform/encoding.h"
 #include "terminal/logfile.h"
@@ -12,22 +14,8 @@
 namespace driverlist {
 namespace {
 
-int RunCommand(const Options& options) {
-  switch (options.command) {
-    case Command::Snapshot:
-      return RunSnapshot(options);
-    case Command::Diff:
-      return RunDiff(options);
-    case Command::Health:
-      return RunHealth(options);
-    case Command::List:
-      break;
-  }
-  return RunList(options);
-}
-
 int RunWithLogFile(const Options& options) {
-  const int trouble = TroubleCode(options.command);
+  const int trouble = TroubleCode(options);
   const LogFile log(options.logFile);
   const std::string unopened = log.Problem();
   if (!unopened.empty()) return Fail(trouble, "cannot open the log file " + options.logFile + ": " + unopened);
@@ -46,13 +34,15 @@ int Run(const Options& options) {
 }
 
 int Run(const std::vector<std::string>& arguments) {
-  const ParsedCommandLine commandLine = ParseCommandLine(arguments);
+  const ParsedCommandLine commandLine = ParseCommandLine(arguments, HelpWidth());
   if (commandLine.exitCode != 0) return Fail(commandLine.exitCode, commandLine.text);
   if (!commandLine.options) return Deliver(Options(), commandLine.text, 0);
   try {
     return Run(*commandLine.options);
+  } catch (const inventory::UnusableList& problem) {
+    return Fail(2, problem.what());
   } catch (const std::bad_alloc&) {
-    return Fail(TroubleCode(commandLine.options->command), "out of memory.");
+    return Fail(TroubleCode(*commandLine.options), "out of memory.");
   }
 }
 

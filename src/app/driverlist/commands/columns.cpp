@@ -9,10 +9,11 @@ namespace {
 using inventory::Column;
 
 /// Those of `columns` that have a `place`, in its order.
-std::vector<Column> Placed(const std::vector<Column>& columns, unsigned Column::*place) {
+std::vector<Column> Placed(const std::vector<Column>& columns, unsigned Column::*place, bool isVerified) {
   std::vector<Column> placed;
-  std::copy_if(columns.begin(), columns.end(), std::back_inserter(placed),
-               [place](const Column& column) { return column.*place != 0; });
+  std::copy_if(columns.begin(), columns.end(), std::back_inserter(placed), [place, isVerified](const Column& column) {
+    return column.*place != 0 && (isVerified || !column.isOfVerification);
+  });
   std::sort(placed.begin(), placed.end(), [place](const Column& a, const Column& b) { return a.*place < b.*place; });
   return placed;
 }
@@ -25,12 +26,12 @@ std::vector<Column> ColumnsOf(const std::optional<inventory::ListingMode>& mode)
   return mode ? std::vector<Column>(fields.begin(), fields.end()) : std::vector<Column>(members.begin(), members.end());
 }
 
-std::vector<Column> DefaultColumns(const std::vector<Column>& columns, Format format) {
+std::vector<Column> DefaultColumns(const std::vector<Column>& columns, Format format, bool isVerified) {
   switch (format) {
     case Format::Table:
-      return Placed(columns, &Column::tablePlace);
+      return Placed(columns, &Column::tablePlace, isVerified);
     case Format::Html:
-      return Placed(columns, &Column::pagePlace);
+      return Placed(columns, &Column::pagePlace, isVerified);
     default:
       return columns;
   }

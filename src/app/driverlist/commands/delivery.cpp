@@ -1,12 +1,15 @@
 #include "commands/delivery.h"
 
+#include "commands/commandtable.h"
 #include "terminal/colours.h"
 #include "terminal/output.h"
 #include "terminal/text.h"
 
 namespace driverlist {
 
-int TroubleCode(Command command) { return command == Command::Diff || command == Command::Health ? 2 : 1; }
+int TroubleCode(const Options& options) {
+  return options.failIfNone || options.failIfAny ? 2 : EntryOf(options.command).troubleCode;
+}
 
 int Fail(int exitCode, const std::string& sentence) {
   WriteStandardError("driverlist: " + Visible(sentence) + "\n");
@@ -17,7 +20,7 @@ int Deliver(const Options& options, const std::string& text, int exitCode) {
   const bool toFile = !options.output.empty();
   const std::string problem = toFile ? WriteFileWhole(options.output, text) : WriteStandardOutput(text);
   if (problem.empty()) return exitCode;
-  return Fail(TroubleCode(options.command),
+  return Fail(TroubleCode(options),
               "cannot write " + (toFile ? options.output : std::string("the output")) + ": " + problem);
 }
 

@@ -10,8 +10,8 @@
 
 namespace driverlist {
 
-/// The exit code of `command` when something goes wrong. For diff and health, 1 already means that something was found.
-int TroubleCode(Command command);
+/// The exit code when something goes wrong: 2 where 1 already means something else.
+int TroubleCode(const Options& options);
 
 /// Writes `sentence` to standard error, as Visible() shows it, and returns `exitCode`.
 int Fail(int exitCode, const std::string& sentence);

@@ -1,37 +1,24 @@
-#include <stdexcept>
+#include <algorithm>
 #include <utility>
 
 #include "commands/commands.h"
 #include "commands/delivery.h"
+#include "commands/source.h"
 #include "formats/diffformats.h"
 #include "inventory/comparison.h"
-#include "inventory/input.h"
-#include "inventory/snapshot.h"
-#include "terminal/progress.h"
+#include "inventory/documents.h"
+#include "inventory/predicates.h"
 
 namespace driverlist {
 namespace {
 
-/// what() is the sentence.
-struct Unreadable : std::runtime_error {
-  using std::runtime_error::runtime_error;
-};
-
-inventory::Inventory ReadSnapshotFile(const std::string& path, const inventory::IsSettled& isSettled = nullptr) {
-  try {
-    inventory::InputFile file(path);
-    return inventory::ReadSnapshot(file, isSettled);
-  } catch (const inventory::InputProblem& problem) {
-    throw Unreadable(path + " " + problem.what() + ".");
-  }
-}
-
 inventory::Comparison Compared(const Options& options) {
-  inventory::Comparer comparer(ReadSnapshotFile(options.file));
-  if (options.newFile == "live") {
-    const Progress progress(WantsProgress(options));
-    return comparer.Compare(inventory::Collect(options.hostId));
-  }
+  inventory::Inventory before = ReadSnapshotFile(options.file);
+  // What only one of the two knows cannot be compared.
+  Options live = options;
+  live.verify = std::any_of(before.records.begin(), before.records.end(), &inventory::IsVerified);
+  inventory::Comparer comparer(std::move(before));
+  if (options.newFile == Live) return comparer.Compare(LiveInventory(live));
   const auto isSettled = [&comparer](const inventory::Record& record, unsigned schema) {
     return comparer.Settle(record, schema);
   };
@@ -41,16 +28,13 @@ inventory::Comparison Compared(const Options& options) {
 }  // namespace
 
 int RunDiff(const Options& options) {
-  try {
-    const inventory::Comparison comparison = Compared(options);
-    const auto format = [&](const Page& page) {
-      return options.format == Format::Json ? FormatDiffJson(comparison, inventory::ThisMachine(options.hostId))
-                                            : FormatDiffTable(comparison, page);
-    };
-    return Deliver(options, format, comparison.differences.empty() ? 0 : 1);
-  } catch (const Unreadable& problem) {
-    return Fail(TroubleCode(options.command), problem.what());
-  }
+  const inventory::Comparison comparison = Compared(options);
+  const auto format = [&](const Page& page) {
+    return options.format == Format::Json
+               ? inventory::ComparisonJson(comparison, inventory::ThisMachine(options.hostId))
+               : FormatDiffTable(comparison, page);
+  };
+  return Deliver(options, format, comparison.differences.empty() ? 0 : 1);
 }
 
 }  // namespace driverlist

@@ -4,10 +4,11 @@
 
 #include "commands/commands.h"
 #include "commands/delivery.h"
+#include "commands/source.h"
 #include "formats/formats.h"
 #include "formats/html/htmlformat.h"
-#include "inventory/inventory.h"
 #include "inventory/predicates.h"
+#include "terminal/output.h"
 #include "terminal/progress.h"
 
 namespace driverlist {
@@ -21,7 +22,7 @@ using inventory::Records;
 struct List {
   ListHead head;
   Table table;
-  /// What the rows of the table are; empty for a listing of the library.
+  /// What the rows of the table are; empty when they are no records of the inventory.
   Records records;
 };
 
@@ -33,14 +34,15 @@ bool IsChosen(const Record& record, const Options& options) {
 
 /// The library's listing, as it is.
 List ListedDrivers(const Options& options, inventory::ListingMode mode) {
+  const Progress progress(WantsProgress(options));
   return {{inventory::ThisMachine(options.hostId), std::string(inventory::ModeName(mode))},
           TableOf(inventory::Listed(mode)),
           {}};
 }
 
-/// The machine's inventory, or the part of it that was asked for.
+/// The inventory, or the part of it that was asked for.
 List ListedRecords(const Options& options) {
-  inventory::Inventory inventory = inventory::Collect(options.hostId);
+  inventory::Inventory inventory = ChosenInventory(options);
   Records records;
   for (Record& record : inventory.records) {
     if (IsChosen(record, options)) records.push_back(std::move(record));
@@ -50,31 +52,54 @@ List ListedRecords(const Options& options) {
 }
 
 List Listed(const Options& options) {
-  const Progress progress(WantsProgress(options));
   return options.mode ? ListedDrivers(options, *options.mode) : ListedRecords(options);
+}
+
+/// Those of `records` that the rows with those indexes show.
+Records PartOf(Records records, const std::vector<std::size_t>& rows) {
+  Records part;
+  for (const std::size_t row : rows) {
+    if (!records.empty()) part.push_back(std::move(records[row]));
+  }
+  return part;
+}
+
+/// How many of each there are in `rows` of `list`.
+List Counted(List list, const std::vector<std::size_t>& rows, const Options& options) {
+  Table groups = Grouped(list.table, rows, options.groupBy);
+  std::vector<std::size_t> shown(groups.rows.size());
+  std::iota(shown.begin(), shown.end(), std::size_t{0});
+  SortAndCut(groups, options.selection, shown);
+  list.head.counts = true;
+  const std::vector<Column> columns = groups.columns;
+  return {std::move(list.head), driverlist::PartOf(std::move(groups), shown, columns), {}};
 }
 
 /// Of `list`, what the user selected.
 List Selected(List list, const Options& options) {
-  const std::vector<std::size_t> rows = SelectedRows(list.table, options.selection);
-  Records records;
-  for (const std::size_t row : rows) {
-    if (!list.records.empty()) records.push_back(std::move(list.records[row]));
-  }
-  return {std::move(list.head), PartOf(std::move(list.table), rows, options.columns), std::move(records)};
+  std::vector<std::size_t> rows = ChosenRows(list.table, options.selection, list.head.head.time);
+  if (!options.groupBy.empty()) return Counted(std::move(list), rows, options);
+  SortAndCut(list.table, options.selection, rows);
+  return {std::move(list.head), driverlist::PartOf(std::move(list.table), rows, options.columns),
+          PartOf(std::move(list.records), rows)};
 }
 
 /// Some columns have no place on a narrow page, unless they were asked for.
 Table FitFor(const Page& page, Table table, const Options& options) {
   // A terminal of 120 columns, whose last stays empty.
   constexpr std::size_t wide = 119;
-  if (options.columnsChosen || page.width == 0 || page.width >= wide) return table;
+  if (options.columnsChosen || !options.groupBy.empty() || page.width == 0 || page.width >= wide) return table;
   std::vector<Column> columns;
   std::copy_if(table.columns.begin(), table.columns.end(), std::back_inserter(columns),
                [](const Column& column) { return !column.isForWideTables; });
   std::vector<std::size_t> rows(table.rows.size());
   std::iota(rows.begin(), rows.end(), std::size_t{0});
-  return PartOf(std::move(table), rows, columns);
+  return driverlist::PartOf(std::move(table), rows, columns);
+}
+
+std::string FormattedPage(const Options& options, const List& list) {
+  const bool showsRecords = !options.mode && options.groupBy.empty();
+  return FormatHtml(list.table, {list.head.head, list.head.mode, showsRecords ? &list.records : nullptr});
 }
 
 std::string Formatted(const Options& options, List list, const Page& page) {
@@ -86,7 +111,7 @@ std::string Formatted(const Options& options, List list, const Page& page) {
     case Format::JsonLines:
       return FormatJsonLines(list.table, list.head);
     case Format::Html:
-      return FormatHtml(list.table, {list.head.head, list.head.mode, options.mode ? nullptr : &list.records});
+      return FormattedPage(options, list);
     case Format::Markdown:
       return FormatMarkdown(list.table);
     case Format::Table:
@@ -99,8 +124,11 @@ std::string Formatted(const Options& options, List list, const Page& page) {
 
 int RunList(const Options& options) {
   List list = Selected(Listed(options), options);
+  const bool isEmpty = list.table.rows.empty();
+  if (isEmpty) WriteStandardError("No drivers match.\n");
+  const bool hasFailed = isEmpty ? options.failIfNone : options.failIfAny;
   return Deliver(
-      options, [&](const Page& page) { return Formatted(options, std::move(list), page); }, 0);
+      options, [&](const Page& page) { return Formatted(options, std::move(list), page); }, hasFailed ? 1 : 0);
 }
 
 }  // namespace driverlist

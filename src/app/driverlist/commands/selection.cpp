@@ -1,136 +1,132 @@
 #include "commands/selection.h"
 
 #include <algorithm>
-#include <charconv>
-#include <cstdint>
-#include <tuple>
+#include <map>
+#include <numeric>
 #include <utility>
 
-#include "inventory/predicates.h"
-#include "inventory/versionkey.h"
-#include "platform/encoding.h"
-#include "terminal/text.h"
+#include "inventory/patterns.h"
+#include "inventory/valueorder.h"
 
 namespace driverlist {
 namespace {
 
 using inventory::Column;
-using inventory::ValueType;
+using inventory::OrderKey;
+using Row = std::vector<Cell>;
 
-/// Both in one case.
-bool IsLike(std::string_view text, std::string_view pattern) {
-  std::size_t t = 0;
-  std::size_t p = 0;
-  // The last "*" takes as little as it can, and one character more each time that the rest does not fit.
-  std::size_t behindStar = std::string_view::npos;
-  std::size_t starEnd = 0;
-  while (t < text.size()) {
-    if (p < pattern.size() && pattern[p] == '*') {
-      behindStar = ++p;
-      starEnd = t;
-    } else if (p < pattern.size() && pattern[p] == '?') {
-      t = NextCodePoint(text, t);
-      ++p;
-    } else if (p < pattern.size() && pattern[p] == text[t]) {
-      ++t;
-      ++p;
-    } else if (behindStar != std::string_view::npos) {
-      starEnd = NextCodePoint(text, starEnd);
-      t = starEnd;
-      p = behindStar;
-    } else {
-      return false;
-    }
-  }
-  return pattern.find_first_not_of('*', p) == std::string_view::npos;
+constexpr Column CountColumn = [] {
+  Column column{};
+  column.name = "count";
+  column.label = "Count";
+  column.type = inventory::ValueType::Number;
+  column.width = 7;
+  column.floor = 5;
+  return column;
+}();
+
+bool HasMatch(const Row& row, const inventory::Pattern& pattern) {
+  return std::any_of(row.begin(), row.end(), [&pattern](const Cell& cell) { return pattern.Matches(cell.value); });
 }
 
-/// A pattern for many texts.
-class Pattern {
- public:
-  explicit Pattern(std::string_view pattern) : m_lower(Orvane::LowerCase(pattern)) {}
-  bool Matches(std::string_view text) const { return IsLike(Orvane::LowerCase(text), m_lower); }
-  bool Matches(const Cell& cell) const { return Matches(inventory::TextOf(cell.value)); }
-
- private:
-  std::string m_lower;
-};
-
-/// Decides row by row.
-class Filter {
- public:
-  Filter(const std::vector<Column>& columns, const Selection& selection) {
-    if (selection.match) m_match.emplace(*selection.match);
-    for (const Condition& condition : selection.conditions) {
-      m_conditions.emplace_back(IndexOf(columns, condition.column.name), Pattern(condition.pattern));
-    }
-  }
-
-  bool Chooses(const std::vector<Cell>& row) const {
-    for (const auto& [column, pattern] : m_conditions) {
-      if (!pattern.Matches(row[column])) return false;
-    }
-    return !m_match || std::any_of(row.begin(), row.end(), [this](const Cell& cell) { return m_match->Matches(cell); });
-  }
-
- private:
-  std::optional<Pattern> m_match;
-  std::vector<std::pair<std::size_t, Pattern>> m_conditions;
-};
-
-/// What a row is ordered by: first those without a value, then by number, then by bytes.
-struct SortKey {
-  bool isKnown = false;
-  std::uint64_t number = 0;
-  std::string text;
+/// What a row is ordered by.
+struct RowKey {
+  std::vector<OrderKey> keys;
   std::size_t row = 0;
-
-  bool operator<(const SortKey& other) const {
-    return std::tie(isKnown, number, text) < std::tie(other.isKnown, other.number, other.text);
-  }
 };
 
-/// The library writes numbers as texts, too.
-std::uint64_t NumberIn(const std::string& text) {
-  std::uint64_t number = 0;
-  std::from_chars(text.data(), text.data() + text.size(), number);
-  return number;
-}
-
-SortKey KeyOf(const std::string& text, ValueType type, std::size_t row) {
-  switch (type) {
-    case ValueType::Version:
-      return {inventory::IsKnownVersion(text), 0, inventory::VersionKey(text), row};
-    case ValueType::Number:
-      return {!text.empty(), NumberIn(text), std::string(), row};
-    default:
-      return {!text.empty(), 0, text, row};
-  }
-}
-
-void Sort(const Table& table, const Column& column, std::vector<std::size_t>& rows) {
-  const std::size_t place = IndexOf(table.columns, column.name);
-  std::vector<SortKey> keys;
+std::vector<RowKey> KeysOf(const Table& table, const std::vector<SortColumn>& sort,
+                           const std::vector<std::size_t>& rows) {
+  std::vector<RowKey> keys;
   keys.reserve(rows.size());
   for (const std::size_t row : rows) {
-    keys.push_back(KeyOf(inventory::TextOf(table.rows[row][place].value), column.type, row));
+    RowKey& key = keys.emplace_back();
+    key.row = row;
+    for (const SortColumn& by : sort) {
+      const std::size_t place = IndexOf(table.columns, by.column.name);
+      key.keys.push_back(inventory::OrderKeyOf(table.rows[row][place].value, by.column.type));
+    }
   }
-  std::stable_sort(keys.begin(), keys.end());
-  std::transform(keys.begin(), keys.end(), rows.begin(), [](const SortKey& key) { return key.row; });
+  return keys;
+}
+
+void Sort(const Table& table, const std::vector<SortColumn>& sort, std::vector<std::size_t>& rows) {
+  std::vector<RowKey> keys = KeysOf(table, sort, rows);
+  std::stable_sort(keys.begin(), keys.end(), [&sort](const RowKey& a, const RowKey& b) {
+    for (std::size_t i = 0; i < sort.size(); ++i) {
+      const bool isAscending = !sort[i].isDescending;
+      if (a.keys[i] < b.keys[i]) return isAscending;
+      if (b.keys[i] < a.keys[i]) return !isAscending;
+    }
+    return false;
+  });
+  std::transform(keys.begin(), keys.end(), rows.begin(), [](const RowKey& key) { return key.row; });
+}
+
+/// A row for each group, with the number of its rows; each has the values of its first.
+std::vector<Row> CountedRows(const Table& table, const std::vector<std::size_t>& rows,
+                             const std::vector<std::size_t>& places) {
+  std::map<std::vector<std::string>, std::pair<Row, std::uint64_t>> groups;
+  for (const std::size_t row : rows) {
+    std::vector<std::string> key;
+    for (const std::size_t place : places) key.push_back(inventory::TextOf(table.rows[row][place].value));
+    auto& [cells, count] = groups[std::move(key)];
+    if (++count > 1) continue;
+    // What is good or bad about one row says nothing of its group.
+    for (const std::size_t place : places) cells.push_back({table.rows[row][place].value});
+  }
+  std::vector<Row> counted;
+  for (auto& [key, group] : groups) {
+    group.first.push_back({inventory::Value(group.second)});
+    counted.push_back(std::move(group.first));
+  }
+  return counted;
+}
+
+std::vector<std::size_t> AllRows(const Table& table) {
+  std::vector<std::size_t> rows(table.rows.size());
+  std::iota(rows.begin(), rows.end(), std::size_t{0});
+  return rows;
 }
 
 }  // namespace
 
-bool MatchesPattern(std::string_view text, std::string_view pattern) { return Pattern(pattern).Matches(text); }
-
-std::vector<std::size_t> SelectedRows(const Table& table, const Selection& selection) {
-  const Filter filter(table.columns, selection);
+std::vector<std::size_t> ChosenRows(const Table& table, const Selection& selection, std::string_view now) {
+  std::optional<inventory::Pattern> match;
+  if (selection.match) match = inventory::Pattern::Search(*selection.match);
   std::vector<std::size_t> rows;
-  for (std::size_t row = 0; row < table.rows.size(); ++row) {
-    if (filter.Chooses(table.rows[row])) rows.push_back(row);
+  for (std::size_t i = 0; i < table.rows.size(); ++i) {
+    const Row& row = table.rows[i];
+    const auto valueOf = [&row](std::size_t column) { return row[column].value; };
+    if (match && !HasMatch(row, *match)) continue;
+    if (inventory::Hold(selection.conditions, valueOf, now)) rows.push_back(i);
   }
-  if (selection.sort) Sort(table, *selection.sort, rows);
   return rows;
+}
+
+void SortAndCut(const Table& table, const Selection& selection, std::vector<std::size_t>& rows) {
+  if (!selection.sort.empty()) Sort(table, selection.sort, rows);
+  if (selection.first && *selection.first < rows.size()) rows.resize(*selection.first);
+}
+
+std::vector<Column> GroupColumns(const std::vector<Column>& columns) {
+  std::vector<Column> all = columns;
+  all.push_back(CountColumn);
+  return all;
+}
+
+Table Grouped(const Table& table, const std::vector<std::size_t>& rows, const std::vector<Column>& columns) {
+  std::vector<std::size_t> places;
+  std::vector<SortColumn> order = {{CountColumn, true}};
+  for (const Column& column : columns) {
+    places.push_back(IndexOf(table.columns, column.name));
+    order.push_back({column, false});
+  }
+  Table groups{GroupColumns(columns), CountedRows(table, rows, places)};
+  std::vector<std::size_t> sorted = AllRows(groups);
+  Sort(groups, order, sorted);
+  const std::vector<Column> all = groups.columns;
+  return PartOf(std::move(groups), sorted, all);
 }
 
 }  // namespace driverlist

@@ -9,32 +9,39 @@
 #include <vector>
 
 #include "formats/table.h"
+#include "inventory/conditions.h"
 
 namespace driverlist {
 
-/// A column whose whole text must match a pattern.
-struct Condition {
+struct SortColumn {
   inventory::Column column;
-  std::string pattern;
+  bool isDescending = false;
 };
 
-/// Patterns are UTF-8, as MatchesPattern() takes them.
+/// Texts are UTF-8.
 struct Selection {
-  /// One column at least must match it.
+  /// One column at least must hold it, or be like it where it has wildcards: inventory::Pattern::Search().
   std::optional<std::string> match;
-  /// All must hold.
-  std::vector<Condition> conditions;
-  /// Without one, the order of the table stays.
-  std::optional<inventory::Column> sort;
+  /// Made with the columns of the table.
+  inventory::Conditions conditions;
+  /// The first counts most. Without one, the order of the table stays.
+  std::vector<SortColumn> sort;
+  /// How many rows to show at most.
+  std::optional<std::size_t> first;
 };
 
-/// Whether the whole of `text` is like `pattern`: "*" is any text, also an empty one, "?" is one character, any other
-/// character is itself in either case. Both are UTF-8.
-bool MatchesPattern(std::string_view text, std::string_view pattern);
+/// The indexes of the rows that `selection` chooses, in the order of the table. Ages count from `now`.
+std::vector<std::size_t> ChosenRows(const Table& table, const Selection& selection, std::string_view now);
 
-/// The indexes of the rows that `selection` chooses, in its order, equal ones in the order of the table. Versions are
-/// ordered by their VersionKey(), numbers as numbers, all else by the bytes of its text; rows without a value come
-/// first.
-std::vector<std::size_t> SelectedRows(const Table& table, const Selection& selection);
+/// Orders `rows` as `selection` says, and keeps the first of them as it says. Equal rows keep their order. Values have
+/// the order of inventory::OrderKeyOf(), and the reverse where it is descending.
+void SortAndCut(const Table& table, const Selection& selection, std::vector<std::size_t>& rows);
+
+/// The groups that `rows` of `table` make by what they have of `columns`: these columns and "count", the largest groups
+/// first, those of one size in the order of their values.
+Table Grouped(const Table& table, const std::vector<std::size_t>& rows, const std::vector<inventory::Column>& columns);
+
+/// The columns of such a table.
+std::vector<inventory::Column> GroupColumns(const std::vector<inventory::Column>& columns);
 
 }  // namespace driverlist

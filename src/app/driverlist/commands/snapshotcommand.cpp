@@ -1,24 +1,14 @@
 #include "commands/commands.h"
 #include "commands/delivery.h"
-#include "inventory/inventory.h"
-#include "inventory/snapshot.h"
-#include "terminal/output.h"
-#include "terminal/progress.h"
+#include "commands/source.h"
 
 namespace driverlist {
-namespace {
-
-inventory::Inventory Collected(const Options& options) {
-  const Progress progress(WantsProgress(options));
-  return inventory::Collect(options.hostId);
-}
-
-}  // namespace
 
 int RunSnapshot(const Options& options) {
-  const std::string problem = WriteFileWhole(options.file, inventory::SnapshotText(Collected(options)));
-  if (problem.empty()) return 0;
-  return Fail(TroubleCode(options.command), "cannot write " + options.file + ": " + problem);
+  const std::string text = inventory::SnapshotText(LiveInventory(options));
+  Options delivery = options;
+  delivery.output = options.file == StandardOutput ? std::string() : options.file;
+  return Deliver(delivery, text, 0);
 }
 
 }  // namespace driverlist

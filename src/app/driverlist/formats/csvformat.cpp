@@ -22,7 +22,7 @@ std::string FieldText(const std::string& text) {
 }
 
 bool IsText(const inventory::Value& value) {
-  return std::holds_alternative<std::string>(value) || std::holds_alternative<std::vector<std::string>>(value);
+  return !std::holds_alternative<std::uint64_t>(value) && !std::holds_alternative<bool>(value);
 }
 
 /// A spreadsheet evaluates a field that begins so, also within quotation marks. It shows one that begins with an

@@ -4,7 +4,6 @@
 #include <vector>
 
 #include "formats/rows.h"
-#include "inventory/json.h"
 #include "terminal/text.h"
 
 namespace driverlist {
@@ -14,7 +13,6 @@ using inventory::Change;
 using inventory::Comparison;
 using inventory::Difference;
 using inventory::DifferenceKind;
-using inventory::Json;
 
 Tone ToneOf(DifferenceKind kind) {
   if (kind == DifferenceKind::Added || kind == DifferenceKind::Upgraded) return Tone::Good;
@@ -57,28 +55,6 @@ void AddRows(const Difference& difference, bool isFirstOfGroup, std::vector<std:
   if (changes.empty()) add("", "", "");
 }
 
-Json MachineJson(const inventory::Head& head) {
-  Json json = inventory::HeadJson(head);
-  json.erase("schema_version");
-  return json;
-}
-
-Json DifferenceJson(const Comparison& comparison, const Difference& difference) {
-  Json changes = Json::array();
-  for (const Change& change : ChangesOf(difference)) {
-    Json json = {{"member", change.member->name}};
-    inventory::AddValue(json, "old", change.before);
-    inventory::AddValue(json, "new", change.after);
-    changes.push_back(std::move(json));
-  }
-  return {{"difference", DifferenceName(difference.kind)},
-          {"group", difference.group},
-          {"kind", KindName(difference.Latest().kind)},
-          {"key", comparison.KeyOf(difference)},
-          {"name", difference.Latest().name},
-          {"changes", std::move(changes)}};
-}
-
 }  // namespace
 
 std::string FormatDiffTable(const Comparison& comparison, const Page& page) {
@@ -92,24 +68,6 @@ std::string FormatDiffTable(const Comparison& comparison, const Page& page) {
       {{"difference", 12}, {"kind", 7}, {"name", 18}, {"member", 12}, {"old", 8, true}, {"new", 8, true}}, rows, page);
   return HeadLine("old", comparison.before.head) + HeadLine("new", comparison.after.head) +
          (rows.empty() ? "" : table) + Counts(comparison);
-}
-
-std::string FormatDiffJson(const Comparison& comparison, const inventory::Head& head) {
-  Json document = inventory::HeadJson(head);
-  document["old"] = MachineJson(comparison.before.head);
-  document["new"] = MachineJson(comparison.after.head);
-  Json summary = Json::object();
-  for (const DifferenceKind kind : inventory::DifferenceKinds) {
-    summary[std::string(DifferenceName(kind))] = comparison.GroupsOf(kind);
-  }
-  summary["same"] = comparison.same;
-  document["summary"] = std::move(summary);
-  Json differences = Json::array();
-  for (const Difference& difference : comparison.differences) {
-    differences.push_back(DifferenceJson(comparison, difference));
-  }
-  document["differences"] = std::move(differences);
-  return inventory::JsonText(document, true) + "\n";
 }
 
 }  // namespace driverlist

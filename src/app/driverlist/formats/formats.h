@@ -16,6 +16,8 @@ struct ListHead {
   inventory::Head head;
   /// Which listing of the library it is, as on the command line; empty for the inventory.
   std::string mode;
+  /// Whether the rows are groups with their counts, not drivers.
+  bool counts = false;
 };
 
 /// One line per row below a line of column names, as FormatRows() lays them out.
@@ -32,8 +34,8 @@ struct CsvStyle {
 /// RFC 4180, with a header record of column names.
 std::string FormatCsv(const Table& table, const CsvStyle& style);
 
-/// One object: the head, "mode" where there is one, and "drivers", an array of objects that have the columns as
-/// members, except those without value.
+/// One object: the head, "mode" where there is one, and "drivers" ("groups" where they are counted), an array of
+/// objects that have the columns as members, except those without value.
 std::string FormatJson(const Table& table, const ListHead& head);
 
 /// One such object per row and line, each with the members of the head itself.

@@ -1,9 +1,11 @@
 #include "formats/healthformats.h"
 
 #include <algorithm>
+#include <cstdio>
+#include <optional>
 
 #include "formats/rows.h"
-#include "inventory/json.h"
+#include "inventory/documents.h"
 #include "terminal/text.h"
 
 namespace driverlist {
@@ -11,14 +13,6 @@ namespace {
 
 using inventory::Finding;
 using inventory::HealthRule;
-using inventory::Json;
-
-std::vector<Finding> Of(const HealthRule& rule, const std::vector<Finding>& findings) {
-  std::vector<Finding> found;
-  std::copy_if(findings.begin(), findings.end(), std::back_inserter(found),
-               [&rule](const Finding& finding) { return finding.rule == rule.name; });
-  return found;
-}
 
 /// Columns of a page that `findings` leave for their evidence; 0 for any.
 std::size_t RoomForEvidence(const std::vector<Finding>& findings, std::size_t pageWidth) {
@@ -31,47 +25,81 @@ std::size_t RoomForEvidence(const std::vector<Finding>& findings, std::size_t pa
 }
 
 /// A row per finding; evidence that is too long for the page goes on below.
-std::vector<std::vector<TextCell>> Rows(const std::vector<Finding>& findings, std::size_t pageWidth) {
+std::vector<std::vector<TextCell>> Rows(const std::vector<Finding>& findings, Tone tone, std::size_t pageWidth) {
   const std::size_t room = RoomForEvidence(findings, pageWidth);
   std::vector<std::vector<TextCell>> rows;
   for (const Finding& finding : findings) {
     std::string subject = finding.subject;
     for (const std::string& piece : room > 0 ? Wrapped(finding.evidence, room) : std::vector{finding.evidence}) {
-      rows.push_back({{subject, Tone::Doubtful}, {piece}});
+      rows.push_back({{subject, tone}, {piece}});
       subject.clear();
     }
   }
   return rows;
 }
 
-}  // namespace
+/// Days from one day to another, "2024-05-06" at their beginnings; nothing where one is no day.
+std::optional<long> DaysBetween(const std::string& from, const std::string& to) {
+  const auto days = [](const std::string& text) -> std::optional<long> {
+    int year = 0;
+    int month = 0;
+    int day = 0;
+    if (std::sscanf(text.c_str(), "%4d-%2d-%2d", &year, &month, &day) != 3 || month < 1 || month > 12) {
+      return std::nullopt;
+    }
+    // Years that begin in March end with their leap day.
+    const long marchYear = month > 2 ? year : year - 1;
+    return 365 * marchYear + marchYear / 4 - marchYear / 100 + marchYear / 400 + (153 * ((month + 9) % 12) + 2) / 5 +
+           day;
+  };
+  const auto begin = days(from);
+  const auto end = days(to);
+  return begin && end ? std::optional<long>(*end - *begin) : std::nullopt;
+}
 
-std::string FormatHealthTable(const std::vector<Finding>& findings, const Page& page) {
+std::string ListText(const trust::KnownList& list, const std::string& time) {
+  std::string text = list.name;
+  if (!list.version.empty()) text += " " + list.version;
+  if (!list.date.empty()) text += " of " + list.date;
+  const auto days = DaysBetween(list.date, time);
+  if (days && *days >= 0) text += ", " + std::to_string(*days) + (*days == 1 ? " day old" : " days old");
+  return text + " (" + std::to_string(list.entries) + (list.entries == 1 ? " entry)" : " entries)");
+}
+
+std::string FindingsText(const std::vector<Finding>& findings, const Page& page) {
   if (findings.empty()) return "nothing found\n";
   std::string text;
   for (const HealthRule& rule : inventory::HealthRules()) {
-    const std::vector<Finding> found = Of(rule, findings);
+    const std::vector<Finding> found = FindingsOf(rule, findings);
     if (found.empty()) continue;
     if (!text.empty()) text += "\n";
+    if (rule.isAlarm) text += "!!! ";
     text.append(rule.name).append(" (").append(rule.meaning).append("): ");
     text += std::to_string(found.size()) + "\n";
-    text += FormatRows({{"what", 24}, {"evidence", 20}}, Rows(found, page.width), page);
+    text += FormatRows({{"what", 24}, {"evidence", 20}},
+                       Rows(found, rule.isAlarm ? Tone::Bad : Tone::Doubtful, page.width), page);
   }
   return text;
 }
 
-std::string FormatHealthJson(const std::vector<Finding>& findings, const inventory::Head& head) {
-  Json document = inventory::HeadJson(head);
-  Json& summary = document["summary"] = Json::object();
-  for (const HealthRule& rule : inventory::HealthRules()) {
-    summary[std::string(rule.name)] = Of(rule, findings).size();
+}  // namespace
+
+std::string ListsText(const std::vector<trust::KnownList>& lists, const std::string& time) {
+  if (lists.empty()) {
+    return "there is no list of known drivers: give one with --known, or make known-drivers.json beside the program "
+           "with "
+           "scripts/make-known-drivers";
   }
-  Json list = Json::array();
-  for (const Finding& finding : findings) {
-    list.push_back({{"rule", finding.rule}, {"subject", finding.subject}, {"evidence", finding.evidence}});
-  }
-  document["findings"] = std::move(list);
-  return inventory::JsonText(document, true) + "\n";
+  std::string text;
+  for (const trust::KnownList& list : lists) text += (text.empty() ? "" : "; ") + ListText(list, time);
+  return "looked up in " + text;
+}
+
+std::string FormatHealthTable(const std::vector<Finding>& findings, const inventory::Inventory& inventory,
+                              const Page& page) {
+  std::string text = FindingsText(findings, page);
+  if (inventory.isVerified) text += "\n" + Visible(ListsText(inventory.lists, inventory.head.time)) + "\n";
+  return text;
 }
 
 }  // namespace driverlist

@@ -1,22 +1,23 @@
 /// @file
-/// The forms in which the program shows what deserves a look. All are UTF-8 and the same in every locale.
+/// How the program shows people what deserves a look, in UTF-8.
 #pragma once
 
 #include <string>
 #include <vector>
 
-#include "inventory/head.h"
 #include "inventory/healthrules.h"
+#include "inventory/inventory.h"
 #include "terminal/page.h"
 
 namespace driverlist {
 
-/// For each rule that found something, a line that says what it looks for and a row per finding below. One line when
-/// nothing was found.
-std::string FormatHealthTable(const std::vector<inventory::Finding>& findings, const Page& page);
+/// In which lists of known drivers images were looked up, and how old these were on the day of `time` (UTC, ISO 8601);
+/// without lists, where to get one.
+std::string ListsText(const std::vector<trust::KnownList>& lists, const std::string& time);
 
-/// One object: the head, "summary", an object that has the number of findings of each rule, and "findings", an array of
-/// objects that have "rule", "subject" and "evidence".
-std::string FormatHealthJson(const std::vector<inventory::Finding>& findings, const inventory::Head& head);
+/// For each rule that found something, a line that says what it looks for and a row per finding below. One line when
+/// nothing was found. Behind it ListsText() for an inventory that was verified.
+std::string FormatHealthTable(const std::vector<inventory::Finding>& findings, const inventory::Inventory& inventory,
+                              const Page& page);
 
 }  // namespace driverlist

@@ -1,5 +1,5 @@
 #include "formats/formats.h"
-#include "inventory/json.h"
+#include "inventory/documents.h"
 
 namespace driverlist {
 namespace {
@@ -19,15 +19,14 @@ void AddCells(Json& object, const Table& table, const std::vector<Cell>& row) {
 }  // namespace
 
 std::string FormatJson(const Table& table, const ListHead& head) {
-  Json drivers = Json::array();
+  Json rows = Json::array();
   for (const auto& row : table.rows) {
     Json object = Json::object();
     AddCells(object, table, row);
-    drivers.push_back(std::move(object));
+    rows.push_back(std::move(object));
   }
-  Json document = JsonOf(head);
-  document["drivers"] = std::move(drivers);
-  return inventory::JsonText(document, true) + "\n";
+  return head.counts ? inventory::GroupsJson(JsonOf(head), std::move(rows))
+                     : inventory::ListJson(JsonOf(head), std::move(rows));
 }
 
 std::string FormatJsonLines(const Table& table, const ListHead& head) {
@@ -36,7 +35,7 @@ std::string FormatJsonLines(const Table& table, const ListHead& head) {
   for (const auto& row : table.rows) {
     Json object = beginning;
     AddCells(object, table, row);
-    lines += inventory::JsonText(object, false) + "\n";
+    lines += inventory::JsonLine(object);
   }
   return lines;
 }

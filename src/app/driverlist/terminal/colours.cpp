@@ -18,6 +18,7 @@ Colours::Colours(bool wanted) {
 }
 
 Colours::~Colours() {
+  // A terminal that is gone by now needs no former mode.
   if (m_areOn) SetConsoleMode(GetStdHandle(STD_OUTPUT_HANDLE), m_formerMode);
 }
 

@@ -6,6 +6,7 @@
 
 #include "log.h"
 #include "platform/encoding.h"
+#include "terminal/output.h"
 
 namespace driverlist {
 namespace {
@@ -67,7 +68,10 @@ LogFile::LogFile(const std::string& path) : m_path(Orvane::WideFromUtf8(path)) {
 
 LogFile::~LogFile() { Orvane::LogToNothing(); }
 
-std::string LogFile::Problem() const { return m_error == ERROR_SUCCESS ? std::string() : Orvane::ErrorText(m_error); }
+std::string LogFile::Problem() const {
+  if (m_error == ERROR_SUCCESS) return std::string();
+  return IsFolder(m_path) ? "it is a folder." : Orvane::ErrorText(m_error);
+}
 
 void LogFile::Open() {
   m_file.reset(CreateFileW(m_path.c_str(), FILE_APPEND_DATA, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,

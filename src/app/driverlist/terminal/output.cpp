@@ -110,6 +110,7 @@ void RemoveStaleDrafts(const std::wstring& path) {
   if (!found) return;
   do {
     const DWORD writer = WriterOf(file.cFileName, prefix.size() - name);
+    // A draft that cannot be deleted is left to the next call.
     if (writer != 0 && !IsRunning(writer)) DeleteFileW((path.substr(0, name) + file.cFileName).c_str());
   } while (FindNextFileW(found.get(), &file));
 }
@@ -122,6 +123,7 @@ DWORD WriteAsideAndReplace(const std::wstring& path, const std::string& text) {
   if (error == ERROR_SUCCESS && !MoveFileExW(draft.c_str(), path.c_str(), MOVEFILE_REPLACE_EXISTING)) {
     error = GetLastError();
   }
+  // The first error is what the user needs to know; the next call tries again to delete the draft.
   if (error != ERROR_SUCCESS) DeleteFileW(draft.c_str());
   return error;
 }
@@ -143,8 +145,15 @@ std::string WriteStandardOutput(const std::string& text) { return Problem(WriteS
 
 void WriteStandardError(const std::string& text) { WriteStandard(STD_ERROR_HANDLE, text); }
 
+bool IsFolder(const std::wstring& path) {
+  const DWORD attributes = GetFileAttributesW(path.c_str());
+  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+}
+
 std::string WriteFileWhole(const std::string& path, const std::string& text) {
   const std::wstring target = WideFromUtf8(path);
+  // Windows would only say that access is denied.
+  if (IsFolder(target)) return "it is a folder.";
   const FileHandle device = OpenDevice(target);
   return Problem(device ? WriteBytes(device.get(), text) : WriteAsideAndReplace(target, text));
 }

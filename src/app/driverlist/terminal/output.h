@@ -20,6 +20,9 @@ std::string WriteStandardOutput(const std::string& text);
 /// Writes `text` to standard error; there is nowhere to report a failure to.
 void WriteStandardError(const std::string& text);
 
+/// Whether there is a folder at `path`, where a file was meant.
+bool IsFolder(const std::wstring& path);
+
 /// Makes `text` the content of the file at `path` (UTF-8): whole, or not at all, in which case a former file stays as
 /// it is. A device, such as NUL, just gets it. The text is written to a draft beside the file, which takes its place;
 /// drafts of processes that ended before they got that far are removed. Returns an empty text, or what went wrong.

@@ -24,6 +24,7 @@ Progress::~Progress() {
 }
 
 void Progress::Show(const std::string& text) {
+  if (!m_isOn) return;
   // Writing to a terminal takes longer than reading a driver.
   constexpr unsigned long long interval = 100;
   const unsigned long long now = GetTickCount64();

@@ -17,9 +17,10 @@ class Progress {
   Progress(const Progress&) = delete;
   Progress& operator=(const Progress&) = delete;
 
- private:
+  /// Shows something that is not in the log, unless something was shown just before. One thread at a time.
   void Show(const std::string& text);
 
+ private:
   bool m_isOn = false;
   /// Of the line that is shown.
   std::size_t m_columns = 0;

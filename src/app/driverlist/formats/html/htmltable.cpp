@@ -29,6 +29,7 @@ std::string_view KindOf(ValueType type) {
     case ValueType::Text:
     case ValueType::Flag:
     case ValueType::Texts:
+    case ValueType::Known:
       break;
   }
   return "text";

@@ -1,0 +1,18 @@
+/// @file
+/// The options of each command, one room each. What is parsed of them goes to `options`, which must outlive `command`.
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+#include "commands/options.h"
+
+namespace driverlist {
+
+void AddListOptions(CLI::App& command, Options& options);
+void AddSnapshotOptions(CLI::App& command, Options& options);
+void AddDiffOptions(CLI::App& command, Options& options);
+void AddHealthOptions(CLI::App& command, Options& options);
+void AddCollectOptions(CLI::App& command, Options& options);
+void AddHelpOptions(CLI::App& command, Options& options);
+
+}  // namespace driverlist

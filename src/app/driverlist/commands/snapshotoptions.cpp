@@ -1,0 +1,13 @@
+#include "commands/commandoptions.h"
+#include "commands/sharedoptions.h"
+
+namespace driverlist {
+
+void AddSnapshotOptions(CLI::App& command, Options& options) {
+  AddFile(command, "FILE", options.file,
+          "File to write; a former one stays whole until the new one is; - is standard output");
+  AddVerify(command, options);
+  AddHostAndLog(command, options);
+}
+
+}  // namespace driverlist

@@ -1,0 +1,69 @@
+#include "commands/source.h"
+
+#include "commands/delivery.h"
+#include "formats/healthformats.h"
+#include "inventory/input.h"
+#include "inventory/json.h"
+#include "inventory/knownlists.h"
+#include "terminal/output.h"
+#include "terminal/progress.h"
+
+namespace driverlist {
+namespace {
+
+inventory::Verification VerificationOf(const trust::KnownDrivers& known, Progress& progress) {
+  inventory::Verification verification;
+  verification.known = &known;
+  verification.progress = [&progress](std::size_t done, std::size_t all) {
+    progress.Show("verifying image " + std::to_string(done) + " of " + std::to_string(all));
+    return true;
+  };
+  return verification;
+}
+
+/// Silence about known drivers must not be taken for their absence. An examination says so itself.
+void NoteMissingLists(const Options& options, const trust::KnownDrivers& known) {
+  const bool isMissed = options.command == Command::List || options.command == Command::Snapshot;
+  if (isMissed && known.Lists().empty() && !options.quiet) {
+    WriteStandardError("driverlist: " + ListsText({}, {}) + "\n");
+  }
+}
+
+}  // namespace
+
+inventory::Inventory ReadSnapshotFile(const std::string& path, const inventory::IsSettled& isSettled) {
+  try {
+    inventory::InputFile file(path);
+    return inventory::ReadSnapshot(file, isSettled);
+  } catch (const inventory::InputProblem& problem) {
+    throw UnusableSnapshot(path + " " + problem.what() + ".");
+  }
+}
+
+inventory::Inventory LiveInventory(const Options& options) {
+  if (!options.verify) {
+    const Progress progress(WantsProgress(options));
+    return inventory::Collect({options.hostId});
+  }
+  // A comparison does not ask whether a driver is known.
+  const bool isCompared = options.command == Command::Diff;
+  const trust::KnownDrivers known = isCompared ? trust::KnownDrivers() : inventory::ReadKnownLists(options.known);
+  NoteMissingLists(options, known);
+  Progress progress(WantsProgress(options));
+  return inventory::Collect({options.hostId, nullptr, VerificationOf(known, progress)});
+}
+
+inventory::Inventory ChosenInventory(const Options& options) {
+  if (options.from.empty()) return LiveInventory(options);
+  inventory::Inventory inventory = ReadSnapshotFile(options.from);
+  if (inventory.schema < inventory::SchemaVersion) {
+    throw UnusableSnapshot(options.from +
+                           " was written by an older driverlist, which kept too little of each driver: only "
+                           "diff reads it.");
+  }
+  // The machine and the time are those of the snapshot; the document is made now.
+  inventory.head.tool_version = inventory::ToolVersion();
+  return inventory;
+}
+
+}  // namespace driverlist
