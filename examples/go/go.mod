@@ -1,0 +1,3 @@
+module orvane.example/driverinventory
+
+go 1.19
