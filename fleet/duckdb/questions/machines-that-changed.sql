@@ -1,0 +1,2 @@
+-- How many machines announce another content than before.
+SELECT count(*) AS machines FROM changed($from, $since)
