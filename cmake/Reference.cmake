@@ -12,9 +12,10 @@ set(DOXYGEN_HAVE_DOT NO)
 set(DOXYGEN_HIDE_UNDOC_RELATIONS NO)
 set(DOXYGEN_MACRO_EXPANSION YES)
 set(DOXYGEN_EXPAND_ONLY_PREDEF YES)
-set(DOXYGEN_PREDEFINED DRIVERINFO_API= LOGGING_API= PCIINFO_API=)
+set(DOXYGEN_PREDEFINED DRIVERINFO_API= DRIVERINVENTORY_API= LOGGING_API= PCIINFO_API=)
 doxygen_add_docs(docs
   src/module/osinfos/driverinfo/driverinfo.h
   src/module/osinfos/pciinfo/pciinfo.h
   src/module/logging/log.h
+  src/module/interface/driverinventory.h
   COMMENT "Making the reference")

@@ -31,6 +31,13 @@ function(windows_target target description)
   set(file_name ${target}.${extension})
   configure_file(${PROJECT_SOURCE_DIR}/cmake/version.rc.in ${CMAKE_CURRENT_BINARY_DIR}/${target}.rc @ONLY)
   target_sources(${target} PRIVATE ${CMAKE_CURRENT_BINARY_DIR}/${target}.rc)
+  if(MINGW)
+    # A file of its own for debuggers; what is installed is stripped and names it.
+    add_custom_command(TARGET ${target} POST_BUILD
+      COMMAND ${CMAKE_COMMAND} -E make_directory ${PROJECT_BINARY_DIR}/debug
+      COMMAND ${CMAKE_OBJCOPY} --only-keep-debug $<TARGET_FILE:${target}> ${PROJECT_BINARY_DIR}/debug/${file_name}.debug
+      VERBATIM)
+  endif()
 endfunction()
 
 # The C++ run-time library of mingw-w64 is shared by all modules; its DLLs stand beside them.
