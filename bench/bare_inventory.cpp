@@ -12,9 +12,16 @@
 
 #include "bare.h"
 #include "pciinfo.h"
+#include "platform/handles.h"
 
 namespace bench::bare {
 namespace {
+
+using Orvane::DeviceSet;
+using Orvane::FindHandle;
+using Orvane::InfHandle;
+using Orvane::RegKey;
+using Orvane::ServiceHandle;
 
 using Texts = std::vector<std::wstring>;
 
@@ -35,12 +42,12 @@ std::wstring ImagePath(const std::wstring& configured, const std::wstring& windo
 
 void ReadService(SC_HANDLE manager, const ENUM_SERVICE_STATUS_PROCESSW& entry, const std::wstring& windows,
                  Texts& texts) {
-  const SC_HANDLE service = OpenServiceW(manager, entry.lpServiceName, SERVICE_QUERY_CONFIG);
+  ServiceHandle service(OpenServiceW(manager, entry.lpServiceName, SERVICE_QUERY_CONFIG));
   alignas(QUERY_SERVICE_CONFIGW) char buffer[8192];
   auto* const config = reinterpret_cast<QUERY_SERVICE_CONFIGW*>(buffer);
   DWORD needed = 0;
-  QueryServiceConfigW(service, config, sizeof(buffer), &needed);
-  CloseServiceHandle(service);
+  QueryServiceConfigW(service.get(), config, sizeof(buffer), &needed);
+  service.reset();
   WIN32_FILE_ATTRIBUTE_DATA data;
   const std::wstring path = ImagePath(config->lpBinaryPathName, windows);
   GetFileAttributesExW(path.c_str(), GetFileExInfoStandard, &data);
@@ -49,7 +56,7 @@ void ReadService(SC_HANDLE manager, const ENUM_SERVICE_STATUS_PROCESSW& entry, c
 }
 
 void ReadServices(const std::wstring& windows, Texts& texts) {
-  const SC_HANDLE manager = OpenSCManagerW(nullptr, nullptr, SC_MANAGER_ENUMERATE_SERVICE);
+  const ServiceHandle manager(OpenSCManagerW(nullptr, nullptr, SC_MANAGER_ENUMERATE_SERVICE));
   std::vector<char> buffer(1 << 16);
   DWORD needed = 0;
   DWORD count = 0;
@@ -57,12 +64,11 @@ void ReadServices(const std::wstring& windows, Texts& texts) {
   const auto* const entries = reinterpret_cast<const ENUM_SERVICE_STATUS_PROCESSW*>(buffer.data());
   BOOL isAll = FALSE;
   while (!isAll) {
-    isAll = EnumServicesStatusExW(manager, SC_ENUM_PROCESS_INFO, SERVICE_DRIVER, SERVICE_STATE_ALL,
+    isAll = EnumServicesStatusExW(manager.get(), SC_ENUM_PROCESS_INFO, SERVICE_DRIVER, SERVICE_STATE_ALL,
                                   reinterpret_cast<BYTE*>(buffer.data()), static_cast<DWORD>(buffer.size()), &needed,
                                   &count, &resume, nullptr);
-    for (DWORD i = 0; i < count; ++i) ReadService(manager, entries[i], windows, texts);
+    for (DWORD i = 0; i < count; ++i) ReadService(manager.get(), entries[i], windows, texts);
   }
-  CloseServiceHandle(manager);
 }
 
 // --- Devices
@@ -75,24 +81,24 @@ void ReadDevice(HDEVINFO set, SP_DEVINFO_DATA& device, Texts& texts) {
   texts.push_back(buffer);
   SetupDiGetDevicePropertyW(set, &device, &DEVPKEY_Device_ExtendedConfigurationIds, &type,
                             reinterpret_cast<BYTE*>(buffer), sizeof(buffer), nullptr, 0);
-  const HKEY key = SetupDiOpenDevRegKey(set, &device, DICS_FLAG_GLOBAL, 0, DIREG_DRV, KEY_QUERY_VALUE);
-  if (key != INVALID_HANDLE_VALUE) {
+  RegKey key(SetupDiOpenDevRegKey(set, &device, DICS_FLAG_GLOBAL, 0, DIREG_DRV, KEY_QUERY_VALUE));
+  if (key) {
     DWORD size = sizeof(buffer);
-    if (RegQueryValueExW(key, L"InfPath", nullptr, nullptr, reinterpret_cast<BYTE*>(buffer), &size) == ERROR_SUCCESS) {
+    if (RegQueryValueExW(key.get(), L"InfPath", nullptr, nullptr, reinterpret_cast<BYTE*>(buffer), &size) ==
+        ERROR_SUCCESS) {
       texts.push_back(buffer);
     }
-    RegCloseKey(key);
+    key.reset();
   }
   SetupDiGetDevicePropertyW(set, &device, &DEVPKEY_Device_ProblemCode, &type, reinterpret_cast<BYTE*>(&code),
                             sizeof(code), nullptr, 0);
 }
 
 void ReadDevices(Texts& texts) {
-  const HDEVINFO set = SetupDiGetClassDevsW(nullptr, nullptr, nullptr, DIGCF_ALLCLASSES);
+  const DeviceSet set(SetupDiGetClassDevsW(nullptr, nullptr, nullptr, DIGCF_ALLCLASSES));
   SP_DEVINFO_DATA device{};
   device.cbSize = sizeof(device);
-  for (DWORD i = 0; SetupDiEnumDeviceInfo(set, i, &device); ++i) ReadDevice(set, device, texts);
-  SetupDiDestroyDeviceInfoList(set);
+  for (DWORD i = 0; SetupDiEnumDeviceInfo(set.get(), i, &device); ++i) ReadDevice(set.get(), device, texts);
 }
 
 // --- Packages
@@ -120,19 +126,18 @@ void AddOriginalName(HINF inf, Texts& texts) {
 }
 
 void ReadPackage(const std::wstring& path, Texts& texts) {
-  const HINF inf = SetupOpenInfFileW(path.c_str(), nullptr, INF_STYLE_WIN4, nullptr);
-  AddLine(inf, L"Version", L"Provider", 1, texts);
-  AddLine(inf, L"Version", L"DriverVer", 1, texts);
-  AddLine(inf, L"Version", L"DriverVer", 2, texts);
-  AddLine(inf, L"Version", L"Class", 1, texts);
-  AddOriginalName(inf, texts);
+  const InfHandle inf(SetupOpenInfFileW(path.c_str(), nullptr, INF_STYLE_WIN4, nullptr));
+  AddLine(inf.get(), L"Version", L"Provider", 1, texts);
+  AddLine(inf.get(), L"Version", L"DriverVer", 1, texts);
+  AddLine(inf.get(), L"Version", L"DriverVer", 2, texts);
+  AddLine(inf.get(), L"Version", L"Class", 1, texts);
+  AddOriginalName(inf.get(), texts);
   for (const wchar_t* const section :
        {L"SourceDisksFiles", L"SourceDisksFiles.amd64", L"SourceDisksFiles.ia64", L"SourceDisksFiles.x86"}) {
     INFCONTEXT line{};
-    BOOL isLine = SetupFindFirstLineW(inf, section, nullptr, &line);
+    BOOL isLine = SetupFindFirstLineW(inf.get(), section, nullptr, &line);
     for (; isLine; isLine = SetupFindNextLine(&line, &line)) AddField(line, 0, texts);
   }
-  SetupCloseInfFile(inf);
 }
 
 void ReadPackages(const std::wstring& windows, Texts& texts) {
@@ -142,11 +147,10 @@ void ReadPackages(const std::wstring& windows, Texts& texts) {
     if (text.size() > 4 && text.compare(text.size() - 4, 4, L".inf") == 0) infs.insert(text);
   }
   WIN32_FIND_DATAW file;
-  const HANDLE found = FindFirstFileW((windows + L"\\inf\\oem*.inf").c_str(), &file);
-  for (BOOL isFile = found != INVALID_HANDLE_VALUE; isFile; isFile = FindNextFileW(found, &file)) {
+  const FindHandle found(FindFirstFileW((windows + L"\\inf\\oem*.inf").c_str(), &file));
+  for (BOOL isFile = found ? TRUE : FALSE; isFile; isFile = FindNextFileW(found.get(), &file)) {
     infs.insert(file.cFileName);
   }
-  FindClose(found);
   for (const std::wstring& inf : infs) ReadPackage(windows + L"\\inf\\" + inf, texts);
 }
 

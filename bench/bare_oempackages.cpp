@@ -3,9 +3,12 @@
 #include <vector>
 
 #include "bare.h"
+#include "platform/handles.h"
 
 namespace bench::bare {
 namespace {
+
+using Orvane::FileHandle;
 
 bool IsOemPackage(const std::string& file) {
   return file.size() >= 7 && _strnicmp(file.c_str(), "oem", 3) == 0 &&
@@ -37,22 +40,21 @@ Records ListOemPackages() {
   GetSystemWindowsDirectoryA(windows, sizeof(windows));
   const std::string folder = std::string(windows) + "\\inf";
   Records records;
-  const HANDLE handle = CreateFileW(std::wstring(folder.begin(), folder.end()).c_str(), FILE_LIST_DIRECTORY,
-                                    FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING,
-                                    FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+  const FileHandle handle(CreateFileW(std::wstring(folder.begin(), folder.end()).c_str(), FILE_LIST_DIRECTORY,
+                                      FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING,
+                                      FILE_FLAG_BACKUP_SEMANTICS, nullptr));
   // As Boost.Filesystem walks a folder: is it a link; entries in the newest form, which Wine does not have; entries in
   // the full form.
   FILE_ATTRIBUTE_TAG_INFO tag;
-  GetFileInformationByHandleEx(handle, FileAttributeTagInfo, &tag, sizeof(tag));
+  GetFileInformationByHandleEx(handle.get(), FileAttributeTagInfo, &tag, sizeof(tag));
   constexpr auto newestForm = static_cast<FILE_INFO_BY_HANDLE_CLASS>(20);
   std::vector<char> buffer(0x10000);
   const auto size = static_cast<DWORD>(buffer.size());
-  GetFileInformationByHandleEx(handle, newestForm, buffer.data(), size);
-  for (BOOL more = GetFileInformationByHandleEx(handle, FileFullDirectoryRestartInfo, buffer.data(), size); more;
-       more = GetFileInformationByHandleEx(handle, FileFullDirectoryInfo, buffer.data(), size)) {
+  GetFileInformationByHandleEx(handle.get(), newestForm, buffer.data(), size);
+  for (BOOL more = GetFileInformationByHandleEx(handle.get(), FileFullDirectoryRestartInfo, buffer.data(), size); more;
+       more = GetFileInformationByHandleEx(handle.get(), FileFullDirectoryInfo, buffer.data(), size)) {
     ReadEntries(folder, buffer.data(), records);
   }
-  CloseHandle(handle);
   return records;
 }
 

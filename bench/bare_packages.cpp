@@ -6,9 +6,12 @@
 #include <memory>
 
 #include "bare.h"
+#include "platform/handles.h"
 
 namespace bench::bare {
 namespace {
+
+using Orvane::InfHandle;
 
 bool EndsWith(const char* text, const char* end) {
   const std::size_t length = std::strlen(text);
@@ -88,17 +91,16 @@ std::string VersionField(HINF inf, const char* key, DWORD field) {
 }  // namespace
 
 void ReadPackage(const std::string& path, Records& records) {
-  const HINF inf = SetupOpenInfFileA(path.c_str(), nullptr, INF_STYLE_WIN4, nullptr);
-  if (inf == INVALID_HANDLE_VALUE) return;
+  const InfHandle inf(SetupOpenInfFileA(path.c_str(), nullptr, INF_STYLE_WIN4, nullptr));
+  if (!inf) return;
   Record package;
-  package.fileVersion = VersionField(inf, "DriverVer", 2);
-  package.provider = VersionField(inf, "Provider", 1);
-  if (!ReadFileSections(inf, package, records)) {
+  package.fileVersion = VersionField(inf.get(), "DriverVer", 2);
+  package.provider = VersionField(inf.get(), "Provider", 1);
+  if (!ReadFileSections(inf.get(), package, records)) {
     package.name = OriginalName(path);
     package.description = package.provider;
     if (!package.name.empty()) records.push_back(std::move(package));
   }
-  SetupCloseInfFile(inf);
 }
 
 }  // namespace bench::bare

@@ -10,9 +10,14 @@
 #include <memory>
 
 #include "bare.h"
+#include "platform/handles.h"
 
 namespace bench::bare {
 namespace {
+
+using Orvane::FindHandle;
+using Orvane::ModuleHandle;
+using Orvane::ServiceHandle;
 
 const char* const States[] = {"Reserved", "Stopped",          "Start Pending", "Stop Pending",
                               "Running",  "Continue Pending", "Pause Pending", "Paused"};
@@ -21,23 +26,22 @@ const char* const StartTypes[] = {"Boot Start", "System Start", "Automatic", "Ma
 /// Calls `act` with WoW64 file-system redirection off, where it can be switched off.
 template <typename Act>
 void WithoutRedirection(Act act) {
-  const HMODULE kernel = LoadLibraryExA("kernel32.dll", nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
+  const ModuleHandle kernel(LoadLibraryExA("kernel32.dll", nullptr, LOAD_WITH_ALTERED_SEARCH_PATH));
   using Disable = BOOL(WINAPI*)(void**);
   using Revert = BOOL(WINAPI*)(void*);
   void* former = nullptr;
-  const auto disable =
-      reinterpret_cast<Disable>(reinterpret_cast<void*>(GetProcAddress(kernel, "Wow64DisableWow64FsRedirection")));
+  const auto disable = reinterpret_cast<Disable>(
+      reinterpret_cast<void*>(GetProcAddress(kernel.get(), "Wow64DisableWow64FsRedirection")));
   if (disable != nullptr && disable(&former)) act();
   const auto revert =
-      reinterpret_cast<Revert>(reinterpret_cast<void*>(GetProcAddress(kernel, "Wow64RevertWow64FsRedirection")));
+      reinterpret_cast<Revert>(reinterpret_cast<void*>(GetProcAddress(kernel.get(), "Wow64RevertWow64FsRedirection")));
   if (revert != nullptr) revert(nullptr);
-  FreeLibrary(kernel);
 }
 
-HANDLE FindFile(const std::string& path, WIN32_FIND_DATAA& file) {
-  HANDLE found = FindFirstFileA(path.c_str(), &file);
-  if (found == INVALID_HANDLE_VALUE) {
-    WithoutRedirection([&] { found = FindFirstFileA(path.c_str(), &file); });
+FindHandle FindFile(const std::string& path, WIN32_FIND_DATAA& file) {
+  FindHandle found(FindFirstFileA(path.c_str(), &file));
+  if (!found) {
+    WithoutRedirection([&] { found.reset(FindFirstFileA(path.c_str(), &file)); });
   }
   return found;
 }
@@ -53,23 +57,23 @@ std::string FirstPlace(const std::string& path, const std::string& system) {
 }
 
 /// Looks where a registry path may lead, and leaves in `path` where the file was.
-HANDLE FindImage(std::string& path, WIN32_FIND_DATAA& file) {
+FindHandle FindImage(std::string& path, WIN32_FIND_DATAA& file) {
   char system[MAX_PATH];
   char windows[MAX_PATH];
   GetSystemDirectoryA(system, MAX_PATH);
   GetWindowsDirectoryA(windows, MAX_PATH);
   std::string place = FirstPlace(path, system);
-  HANDLE found = FindFile(place, file);
-  if (found == INVALID_HANDLE_VALUE) {
+  FindHandle found = FindFile(place, file);
+  if (!found) {
     place = std::string(system) + "\\" + path;
     found = FindFile(place, file);
   }
-  if (found == INVALID_HANDLE_VALUE) {
+  if (!found) {
     GetWindowsDirectoryA(windows, MAX_PATH);
     place = std::string(windows) + "\\" + path;
     found = FindFile(place, file);
   }
-  if (found != INVALID_HANDLE_VALUE) path = place;
+  if (found) path = place;
   return found;
 }
 
@@ -154,61 +158,59 @@ std::string Stem(const std::string& configuredPath, const char* serviceName) {
   return file.substr(0, file.rfind('.'));
 }
 
-void ReadImage(const std::string& stem, Record& record, HANDLE& found) {
+/// False when there is none.
+bool ReadImage(const std::string& stem, Record& record) {
   WIN32_FIND_DATAA file;
   record.path = RegisteredPath(stem);
-  found = FindImage(record.path, file);
-  if (found == INVALID_HANDLE_VALUE) {
+  FindHandle found = FindImage(record.path, file);
+  if (!found) {
     record.path = "\\SystemRoot\\system32\\drivers\\" + stem + ".sys";
     found = FindImage(record.path, file);
   }
-  if (found == INVALID_HANDLE_VALUE) return;
+  if (!found) return false;
   record.size = std::to_string((static_cast<unsigned long long>(file.nFileSizeHigh) << 22) | (file.nFileSizeLow >> 10));
   record.date = DateText(file.ftCreationTime);
   ReadVersionResource(record.path, record);
   if (record.fileVersion.empty() || record.description.empty() || record.provider.empty()) {
     WithoutRedirection([&] { ReadVersionResource(record.path, record); });
   }
-  FindClose(found);
+  found.reset();
   const std::string name = record.path.substr(record.path.rfind('\\') + 1);
   record.name = name.substr(0, name.find('.')) + ".sys";
+  return true;
 }
 
 void ReadService(SC_HANDLE manager, const ENUM_SERVICE_STATUSA& entry, Records& records) {
-  const SC_HANDLE service = OpenServiceA(manager, entry.lpServiceName, SERVICE_QUERY_CONFIG);
+  const ServiceHandle service(OpenServiceA(manager, entry.lpServiceName, SERVICE_QUERY_CONFIG));
   alignas(QUERY_SERVICE_CONFIGA) char buffer[4096];
   auto* const config = reinterpret_cast<QUERY_SERVICE_CONFIGA*>(buffer);
   DWORD needed = 0;
-  QueryServiceConfigA(service, config, sizeof(buffer), &needed);
+  QueryServiceConfigA(service.get(), config, sizeof(buffer), &needed);
   Record record;
-  HANDLE found = INVALID_HANDLE_VALUE;
-  ReadImage(Stem(config->lpBinaryPathName, entry.lpServiceName), record, found);
-  if (found != INVALID_HANDLE_VALUE) {
+  if (ReadImage(Stem(config->lpBinaryPathName, entry.lpServiceName), record)) {
     record.state = States[entry.ServiceStatus.dwCurrentState];
     record.startType = StartTypes[config->dwStartType];
     records.push_back(std::move(record));
   }
-  CloseServiceHandle(service);
 }
 
 }  // namespace
 
 Records ListServices() {
-  const SC_HANDLE manager = OpenSCManagerA(nullptr, nullptr, SC_MANAGER_ENUMERATE_SERVICE);
+  const ServiceHandle manager(OpenSCManagerA(nullptr, nullptr, SC_MANAGER_ENUMERATE_SERVICE));
   DWORD size = 0;
   DWORD count = 0;
   DWORD resume = 0;
-  EnumServicesStatusA(manager, SERVICE_DRIVER, SERVICE_STATE_ALL, nullptr, 0, &size, &count, &resume);
+  EnumServicesStatusA(manager.get(), SERVICE_DRIVER, SERVICE_STATE_ALL, nullptr, 0, &size, &count, &resume);
   const std::unique_ptr<char[]> buffer(new char[size]);
   auto* const entries = reinterpret_cast<ENUM_SERVICE_STATUSA*>(buffer.get());
   count = 0;
   DWORD needed = 0;
-  EnumServicesStatusA(manager, SERVICE_DRIVER, SERVICE_STATE_ALL, entries, size, &needed, &count, &resume);
+  EnumServicesStatusA(manager.get(), SERVICE_DRIVER, SERVICE_STATE_ALL, entries, size, &needed, &count, &resume);
   Records records;
   std::for_each(entries, entries + count,
-                [&](const ENUM_SERVICE_STATUSA& entry) { ReadService(manager, entry, records); });
+                [&](const ENUM_SERVICE_STATUSA& entry) { ReadService(manager.get(), entry, records); });
   ReadChipsetPackages(records);
-  CloseServiceHandle(manager);
   return records;
 }
 

@@ -42,6 +42,9 @@ std::string Shown(char* buffer) { return buffer != nullptr ? "buffer" : "null"; 
 
 std::string Shown(std::vector<Orvane::PciDeviceRecord>& devices) { return std::to_string(devices.size()); }
 
+/// The library asks once in its life which platform this is; no listing needs the answer.
+bool IsAboutThePlatform(const std::string& line) { return line.find("\"wine_get_version\"") != std::string::npos; }
+
 /// Stands in the place of a function, records the call and makes it.
 template <auto Function>
 struct Stand;
@@ -54,7 +57,7 @@ struct Stand<Function> {
   static Result Enter(Arguments... arguments) {
     std::string line = name;
     ((line += " " + Shown(arguments)), ...);
-    lines.push_back(std::move(line));
+    if (!IsAboutThePlatform(line)) lines.push_back(std::move(line));
     return real(arguments...);
   }
 };

@@ -3,6 +3,4 @@
 #include "inventory/inventory.h"
 
 /// The number of records.
-extern "C" __declspec(dllexport) std::size_t CollectInventory() {
-  return inventory::Collect(std::string()).records.size();
-}
+extern "C" __declspec(dllexport) std::size_t CollectInventory() { return inventory::Collect({}).records.size(); }

@@ -6,8 +6,12 @@
 #include <string>
 
 #include "figures.h"
+#include "platform/handles.h"
 
 namespace {
+
+using Orvane::FileHandle;
+using Orvane::ProcessHandle;
 
 /// Runs a program of this folder, with arguments behind its name, and returns what it printed.
 std::string Output(const std::string& program, const std::string& arguments) {
@@ -15,24 +19,27 @@ std::string Output(const std::string& program, const std::string& arguments) {
   const std::string self(path, GetModuleFileNameA(nullptr, path, MAX_PATH));
   std::string commandLine = "\"" + self.substr(0, self.rfind('\\') + 1) + program + "\" " + arguments;
   SECURITY_ATTRIBUTES inherited{sizeof(inherited), nullptr, TRUE};
-  HANDLE read = nullptr;
-  HANDLE write = nullptr;
-  CreatePipe(&read, &write, &inherited, 0);
-  SetHandleInformation(read, HANDLE_FLAG_INHERIT, 0);
+  HANDLE ends[2] = {};
+  if (!CreatePipe(&ends[0], &ends[1], &inherited, 0)) throw std::runtime_error("there is no pipe");
+  const FileHandle read(ends[0]);
+  FileHandle write(ends[1]);
+  // Were it inherited, only the output of the process would end later.
+  SetHandleInformation(read.get(), HANDLE_FLAG_INHERIT, 0);
   STARTUPINFOA start{};
   start.cb = sizeof(start);
   start.dwFlags = STARTF_USESTDHANDLES;
-  start.hStdOutput = start.hStdError = write;
-  PROCESS_INFORMATION process{};
-  if (!CreateProcessA(nullptr, commandLine.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &start, &process)) {
+  start.hStdOutput = start.hStdError = write.get();
+  PROCESS_INFORMATION started{};
+  if (!CreateProcessA(nullptr, commandLine.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &start, &started)) {
     throw std::runtime_error(program + " cannot be started");
   }
-  CloseHandle(write);
+  const ProcessHandle process(started.hProcess);
+  const ProcessHandle thread(started.hThread);
+  write.reset();
   std::string output;
   char bytes[4096];
-  for (DWORD count = 0; ReadFile(read, bytes, sizeof(bytes), &count, nullptr) && count > 0;)
+  for (DWORD count = 0; ReadFile(read.get(), bytes, sizeof(bytes), &count, nullptr) && count > 0;)
     output.append(bytes, count);
-  for (const HANDLE handle : {read, process.hProcess, process.hThread}) CloseHandle(handle);
   return output;
 }
 

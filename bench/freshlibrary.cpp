@@ -1,40 +1,16 @@
 #include "freshlibrary.h"
 
-#include <stdexcept>
+#include "importhook.h"
 
 namespace bench {
-namespace {
 
-constexpr char Library[] = "driverinfo.dll";
+FreshLibrary::FreshLibrary()
+    : m_listing("benchlisting.dll"),
+      m_setRecords(m_listing.Lookup<SetRecordsFunction>("SetRecords")),
+      m_listDrivers(m_listing.Lookup<ListDriversFunction>("ListDrivers")),
+      m_takeRecords(m_listing.Lookup<TakeRecordsFunction>("TakeRecords")) {}
 
-template <typename Function>
-Function* Lookup(HMODULE module, const char* name) {
-  void* const address = reinterpret_cast<void*>(GetProcAddress(module, name));
-  if (address == nullptr) throw std::runtime_error("benchlisting.dll has no function " + std::string(name));
-  return reinterpret_cast<Function*>(address);
-}
-
-void RequireUnloaded() {
-  if (GetModuleHandleA(Library) != nullptr) throw std::runtime_error("driverinfo.dll is still loaded");
-}
-
-}  // namespace
-
-FreshLibrary::FreshLibrary() {
-  RequireUnloaded();
-  m_listing = LoadLibraryA("benchlisting.dll");
-  if (m_listing == nullptr) throw std::runtime_error("benchlisting.dll cannot be loaded");
-  m_setRecords = Lookup<SetRecordsFunction>(m_listing, "SetRecords");
-  m_listDrivers = Lookup<ListDriversFunction>(m_listing, "ListDrivers");
-  m_takeRecords = Lookup<TakeRecordsFunction>(m_listing, "TakeRecords");
-}
-
-FreshLibrary::~FreshLibrary() noexcept(false) {
-  FreeLibrary(m_listing);
-  RequireUnloaded();
-}
-
-HMODULE FreshLibrary::Module() const { return GetModuleHandleA(Library); }
+HMODULE FreshLibrary::Module() const { return test::Library(); }
 
 std::vector<Record> FreshLibrary::TakeRecords() {
   std::vector<Record> records;

@@ -6,18 +6,15 @@
 
 #include <vector>
 
+#include "libraryguest.h"
 #include "listing.h"
 
 namespace bench {
 
-/// driverinfo.dll, loaded while this lives, with empty caches at the beginning. One at a time, in a program that does
-/// not import the library itself. All throw std::runtime_error when a module cannot be loaded or does not leave.
+/// A fresh driverinfo.dll with the functions of benchlisting.dll.
 class FreshLibrary {
  public:
   FreshLibrary();
-  ~FreshLibrary() noexcept(false);
-  FreshLibrary(const FreshLibrary&) = delete;
-  FreshLibrary& operator=(const FreshLibrary&) = delete;
 
   /// driverinfo.dll itself.
   HMODULE Module() const;
@@ -28,7 +25,7 @@ class FreshLibrary {
   std::vector<Record> TakeRecords();
 
  private:
-  HMODULE m_listing;
+  test::LibraryGuest m_listing;
   SetRecordsFunction* m_setRecords;
   ListDriversFunction* m_listDrivers;
   TakeRecordsFunction* m_takeRecords;

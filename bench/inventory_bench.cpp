@@ -7,6 +7,7 @@
 #include "bare.h"
 #include "figures.h"
 #include "freshlibrary.h"
+#include "libraryguest.h"
 
 namespace {
 
@@ -26,14 +27,10 @@ double BareSeconds() {
 }
 
 double InventorySeconds() {
-  Require(GetModuleHandleA("driverinfo.dll") == nullptr, "driverinfo.dll is still loaded");
-  const HMODULE module = LoadLibraryA("benchinventory.dll");
-  Require(module != nullptr, "benchinventory.dll cannot be loaded");
-  const auto collect =
-      reinterpret_cast<std::size_t (*)()>(reinterpret_cast<void*>(GetProcAddress(module, "CollectInventory")));
+  const test::LibraryGuest guest("benchinventory.dll");
+  const auto collect = guest.Lookup<std::size_t()>("CollectInventory");
   std::size_t records = 0;
   const double seconds = bench::Seconds([&] { records = collect(); });
-  FreeLibrary(module);
   Require(records > 500, "this is no machine of benchmachine");
   return seconds;
 }

@@ -1,8 +1,12 @@
-// What comparing two versions costs, and what of it their splits are.
+// What comparing two versions costs, and what of it their splits are; what merging and sorting a listing costs over
+// sorting its names.
 #include <algorithm>
 #include <boost/algorithm/string/classification.hpp>
 #include <boost/algorithm/string/split.hpp>
+#include <cstdio>
+#include <iterator>
 #include <random>
+#include <string_view>
 #include <vector>
 
 #include "driverinfo.h"
@@ -88,11 +92,78 @@ double UniqueSeconds() {
   return bench::Seconds([&] { Orvane::SortAndRemoveDuplicates(drivers); }) / count;
 }
 
+/// `count` records, each with a name of its own, in no order.
+Drivers DriversNamed(const char* format, int first, int count) {
+  Drivers drivers(static_cast<std::size_t>(count));
+  for (int i = 0; i < count; ++i) {
+    char name[60];
+    std::snprintf(name, sizeof(name), format, first + i);
+    DriverData& driver = drivers[static_cast<std::size_t>(i)];
+    driver.name = name;
+    driver.description = "Driver of the sample component";
+    driver.provider = "Sample maker";
+    driver.file_version = "10.0.22621." + std::to_string(i);
+  }
+  std::shuffle(drivers.begin(), drivers.end(), std::mt19937(1));
+  return drivers;
+}
+
+/// What a combined listing of `count` records merges: half of them are of devices, in order, as their listing is. Of
+/// the others, one in four has the name of a device, and one in four that of another record.
+struct Sources {
+  explicit Sources(int count) : devices(DriversNamed("10EC-%08X-1028-0A5C_nodriver#", 0, count / 2)) {
+    std::sort(devices.begin(), devices.end(), [](const DriverData& a, const DriverData& b) { return a.name < b.name; });
+    for (Drivers more : {DriversNamed("10EC-%08X-1028-0A5C_nodriver#", 0, count / 8),
+                         DriversNamed("driver%08X.sys", 0, count / 8), DriversNamed("driver%08X.sys", 0, count / 4)}) {
+      std::move(more.begin(), more.end(), std::back_inserter(drivers));
+    }
+    std::shuffle(drivers.begin(), drivers.end(), std::mt19937(2));
+  }
+
+  Drivers devices;
+  Drivers drivers;
+};
+
+double BareMergeSeconds(int count) {
+  Sources sources(count);
+  return bench::Seconds([&] {
+    std::vector<std::string_view> names;
+    for (const Drivers* const records : {&sources.drivers, &sources.devices}) {
+      for (const DriverData& driver : *records) names.push_back(driver.name);
+    }
+    std::sort(names.begin(), names.end());
+    kept = names.size();
+    Drivers moved;
+    moved.reserve(names.size());
+    for (Drivers* const records : {&sources.drivers, &sources.devices}) {
+      std::move(records->begin(), records->end(), std::back_inserter(moved));
+    }
+    kept = moved.size();
+  });
+}
+
+double MergeSeconds(int count) {
+  Sources sources(count);
+  return bench::Seconds([&] {
+    Orvane::MergeDevices(std::move(sources.devices), sources.drivers);
+    kept = sources.drivers.size();
+  });
+}
+
+void AddMerges() {
+  for (const int count : {8000, 32000, 128000}) {
+    bench::AddComparison(
+        {"Merge and sort over a sort of the names and a move, " + std::to_string(count / 1000) + ",000", "ms", 2.0,
+         "bare", [=] { return BareMergeSeconds(count); }, "merge", [=] { return MergeSeconds(count); }});
+  }
+}
+
 void AddFigures() {
   bench::AddValue("CompareVersion, per call", "ns", &CompareSeconds);
   bench::AddValue("The two splits of a CompareVersion", "ns", &SplitsSeconds);
   bench::AddValue("Sort of 100,000 records of one name by operator<, per comparison", "ns", &SortSeconds);
   bench::AddValue("Oldest of 100,000 records of one name in a listing, per record", "ns", &UniqueSeconds);
+  AddMerges();
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include "calltrace.h"
 #include "figures.h"
 #include "freshlibrary.h"
+#include "importhook.h"
 #include "log.h"
 
 namespace {
@@ -86,7 +87,7 @@ void RequireSame(const Listing& listing) {
   Lines bareCalls;
   Records kept;
   {
-    const CallTrace trace(GetModuleHandleA(nullptr));
+    const CallTrace trace(test::ThisProgram());
     kept = listing.bare();
     bareCalls = trace.Lines();
   }
