@@ -18,8 +18,6 @@ using testing::StartsWith;
 
 namespace {
 
-std::string DriverPath(const std::string& file) { return test::SystemDirectory() + "\\drivers\\" + file; }
-
 /// What a program of the examples prints, without ends of lines.
 std::vector<std::string> PrintedBy(const std::string& program) {
   const test::ProgramResult result = test::RunProgram(program, L"");
@@ -41,7 +39,7 @@ class Examples : public test::ScratchMachine {
 
  private:
   struct Machine {
-    test::ScratchFile image{DriverPath("OiExample.sys"), L"images\\full.sys"};
+    test::ScratchFile image{test::DriverPath("OiExample.sys"), L"images\\full.sys"};
     test::DriverService service{"OiExample", "System32\\drivers\\OiExample.sys"};
   };
   std::unique_ptr<Machine> m_machine;
@@ -58,7 +56,7 @@ TEST_F(Examples, ListTheDriversOfTheMachine) {
 
   const std::vector<std::string> printed = PrintedBy("example_list.exe");
   EXPECT_EQ(printed, expected);
-  EXPECT_THAT(printed, Contains("OiExample.sys 6.2.9200.16384 (Stopped): " + DriverPath("OiExample.sys")));
+  EXPECT_THAT(printed, Contains("OiExample.sys 6.2.9200.16384 (Stopped): " + test::DriverPath("OiExample.sys")));
 }
 
 TEST_F(Examples, TakeTheLogIntoTheirOwnHands) {

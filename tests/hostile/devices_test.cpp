@@ -10,15 +10,15 @@
 #include "pciinfo.h"
 #include "records.h"
 #include "scratchmachine.h"
+#include "temporaryfiles.h"
 
 using namespace Orvane;
 using test::Described;
 using test::HostileBatch;
 using test::Random;
+using test::ThisProgram;
 
 namespace {
-
-HMODULE ThisProgram() { return GetModuleHandleA(nullptr); }
 
 std::string AnyText(Random& random) {
   if (random.OneIn(4)) return std::string();
@@ -97,7 +97,7 @@ std::vector<DriverData> Expected(const std::vector<PciDeviceRecord>& devices, co
 }
 
 TEST(HostileDevices, AreListedAsTheyAre) {
-  const std::string path = test::TemporaryFile("hostile.inf");
+  const std::string path = test::TemporaryPath("hostile.inf");
   const test::ScratchFile package(
       path, std::vector<std::string>{"[Version]", "Signature=\"$WINDOWS NT$\"", "Provider=\"Example Networks\"",
                                      "DriverVer=06/21/2006,1.2.3.4", "[SourceDisksNames]", "1=\"Driver disk\"",

@@ -61,7 +61,7 @@ bool GuardedMemory::Holds(const void* address) const {
 
 bool Crashes(const std::function<void()>& act) {
   void* const handler = AddVectoredExceptionHandler(1, &GiveUpThread);
-  const Orvane::UniqueHandle<HANDLE, &CloseHandle> thread(
+  const Orvane::ProcessHandle thread(
       CreateThread(nullptr, 0, &Act, const_cast<std::function<void()>*>(&act), 0, nullptr));
   if (!thread) throw std::runtime_error("there is no thread to crash");
   WaitForSingleObject(thread.get(), INFINITE);

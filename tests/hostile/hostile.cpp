@@ -45,14 +45,6 @@ LONG WINAPI TellCrash(EXCEPTION_POINTERS* exception) {
 
 }  // namespace
 
-std::string TemporaryFile(const std::string& file) {
-  char folder[MAX_PATH];
-  const std::string path =
-      std::string(folder, GetTempPathA(MAX_PATH, folder)) + std::to_string(GetCurrentProcessId()) + file;
-  DeleteFileA(path.c_str());
-  return path;
-}
-
 HostileBatch::HostileBatch(const char* kind, std::chrono::seconds patience)
     : m_size(static_cast<std::size_t>(Setting("DRIVERINFO_HOSTILE_INPUTS", 5000))),
       m_firstSeed(Setting("DRIVERINFO_HOSTILE_SEED", 1)),

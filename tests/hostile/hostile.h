@@ -19,9 +19,6 @@
 
 namespace test {
 
-/// The path of `file` in the temporary folder; what a process that crashed left there is gone.
-std::string TemporaryFile(const std::string& file);
-
 /// One batch. While it lives, an exception that nobody handles ends the process with code 3, and an input that takes
 /// longer than `patience` ends it with code 4, both with the seed on standard error. At its end it says how many inputs
 /// there were.

@@ -10,7 +10,9 @@
 #include <vector>
 
 #include "hostile.h"
+#include "platform/handles.h"
 #include "scratchmachine.h"
+#include "temporaryfiles.h"
 
 namespace test {
 
@@ -18,7 +20,7 @@ namespace test {
 class ImageFile {
  public:
   ImageFile(const std::string& name, const std::string& resource)
-      : m_file(TemporaryFile(name), L"images\\noresource.sys"), m_good(resource) {
+      : m_file(TemporaryPath(name), L"images\\noresource.sys"), m_good(resource) {
     SetVersionResource(m_file.Path(), std::vector<char>(resource.begin(), resource.end()));
     Open(GENERIC_READ, [this](HANDLE file) {
       m_bytes.resize(GetFileSize(file, nullptr));
@@ -83,10 +85,8 @@ class ImageFile {
 
   template <typename Act>
   void Open(DWORD access, Act act) {
-    const HANDLE file = CreateFileA(m_file.Path().c_str(), access, 0, nullptr, OPEN_EXISTING, 0, nullptr);
-    const bool done = file != INVALID_HANDLE_VALUE && act(file);
-    CloseHandle(file);
-    if (!done) throw std::runtime_error("the image cannot be changed");
+    const Orvane::FileHandle file(CreateFileA(m_file.Path().c_str(), access, 0, nullptr, OPEN_EXISTING, 0, nullptr));
+    if (!file || !act(file.get())) throw std::runtime_error("the image cannot be changed");
   }
 
   ScratchFile m_file;

@@ -19,10 +19,9 @@ using test::GuardedMemory;
 using test::HostileBatch;
 using test::ImageFile;
 using test::Random;
+using test::ThisProgram;
 
 namespace {
-
-HMODULE ThisProgram() { return GetModuleHandleA(nullptr); }
 
 /// The version resources that the damaged ones were.
 std::vector<std::string> GoodResources() {

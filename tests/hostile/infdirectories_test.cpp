@@ -9,16 +9,16 @@
 #include "hostile.h"
 #include "importhook.h"
 #include "packagefiles.h"
+#include "platform/handles.h"
 #include "records.h"
 #include "scratchmachine.h"
 
 using namespace Orvane;
 using test::HostileBatch;
 using test::Random;
+using test::ThisProgram;
 
 namespace {
-
-HMODULE ThisProgram() { return GetModuleHandleA(nullptr); }
 
 /// What GetSystemWindowsDirectoryA fills.
 constexpr std::size_t DirectorySize = 256;
@@ -69,7 +69,8 @@ class HostileInfDirectories : public test::ScratchMachine {
     if (isFolder) {
       CreateDirectoryW(path.c_str(), nullptr);
     } else {
-      CloseHandle(CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0, nullptr));
+      // Names that the system does not take are part of the game.
+      const Orvane::FileHandle made(CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0, nullptr));
     }
   }
 
@@ -77,13 +78,12 @@ class HostileInfDirectories : public test::ScratchMachine {
   std::vector<std::wstring> Names() const {
     std::vector<std::wstring> names;
     WIN32_FIND_DATAW file;
-    const HANDLE found = FindFirstFileW((windows + L"\\inf\\*").c_str(), &file);
-    if (found == INVALID_HANDLE_VALUE) return names;
+    const Orvane::FindHandle found(FindFirstFileW((windows + L"\\inf\\*").c_str(), &file));
+    if (!found) return names;
     do {
       const std::wstring name = file.cFileName;
       if (name != L"." && name != L"..") names.push_back(name);
-    } while (FindNextFileW(found, &file));
-    FindClose(found);
+    } while (FindNextFileW(found.get(), &file));
     return names;
   }
 

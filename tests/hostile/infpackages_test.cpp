@@ -14,6 +14,7 @@
 #include "packagefiles.h"
 #include "records.h"
 #include "scratchmachine.h"
+#include "temporaryfiles.h"
 
 using boost::algorithm::iends_with;
 using Orvane::DriverData;
@@ -161,7 +162,7 @@ TEST(HostilePackages, GiveRecordsOfWhatTheyList) {
   std::printf("hostile input: %zu packages of the sample machines, %zu real ones%s\n", packages.size(), real.size(),
               real.empty() ? ", for there is no folder " CORPUS_FOLDER : "");
   packages.insert(packages.end(), real.begin(), real.end());
-  const test::ScratchFile inf(test::TemporaryFile("hostile.inf"), 0);
+  const test::ScratchFile inf(test::TemporaryPath("hostile.inf"), 0);
   const std::string file = inf.Path().substr(inf.Path().rfind('\\') + 1);
   DriverData former;
   former.name = "former";

@@ -20,10 +20,9 @@ using test::Described;
 using test::HostileBatch;
 using test::Random;
 using test::ScratchFile;
+using test::ThisProgram;
 
 namespace {
-
-HMODULE ThisProgram() { return GetModuleHandleA(nullptr); }
 
 /// What the library's buffers for values hold.
 constexpr std::size_t BufferSize = 1024;

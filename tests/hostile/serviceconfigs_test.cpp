@@ -22,10 +22,9 @@ using test::Described;
 using test::GuardedMemory;
 using test::HostileBatch;
 using test::Random;
+using test::ThisProgram;
 
 namespace {
-
-HMODULE ThisProgram() { return GetModuleHandleA(nullptr); }
 
 std::string AnyName(Random& random) { return random.Text(random.OneIn(100) ? random.Below(60'000) : random.Size(300)); }
 

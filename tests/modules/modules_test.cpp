@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "importhook.h"
+#include "platform/handles.h"
 #include "scratchmachine.h"
 
 namespace {
@@ -24,11 +25,8 @@ class Module {
   explicit Module(const std::string& file)
       : m_path(test::ProgramFile(std::wstring(file.begin(), file.end()))),
         m_module(LoadLibraryExA(m_path.c_str(), nullptr, DONT_RESOLVE_DLL_REFERENCES)) {
-    EXPECT_NE(m_module, nullptr) << m_path;
+    EXPECT_TRUE(m_module) << m_path;
   }
-  ~Module() { FreeLibrary(m_module); }
-  Module(const Module&) = delete;
-  Module& operator=(const Module&) = delete;
 
   const IMAGE_OPTIONAL_HEADER& Header() const {
     const auto* const dos = At<IMAGE_DOS_HEADER>(0);
@@ -59,7 +57,7 @@ class Module {
   }
 
   /// Names of the functions that it takes from `dll`, as the compiler decorates them.
-  std::vector<std::string> Imports(const char* dll) const { return test::ImportedFunctions(m_module, dll); }
+  std::vector<std::string> Imports(const char* dll) const { return test::ImportedFunctions(m_module.get(), dll); }
 
   /// A text of the version resource; empty when there is none.
   std::string VersionText(const std::string& key) const {
@@ -75,11 +73,11 @@ class Module {
  private:
   template <typename T>
   const T* At(DWORD offset) const {
-    return reinterpret_cast<const T*>(reinterpret_cast<const char*>(m_module) + offset);
+    return reinterpret_cast<const T*>(reinterpret_cast<const char*>(m_module.get()) + offset);
   }
 
   std::string m_path;
-  HMODULE m_module;
+  Orvane::ModuleHandle m_module;
 };
 
 [[maybe_unused]] std::vector<std::string> LinesOf(const std::string& path) {
@@ -93,7 +91,7 @@ class Module {
 // The lists stand in the repository, so that a change of the interface is seen.
 TEST(Modules, ExportTheirInterfaceAndNothingElse) {
 #ifdef __MINGW32__
-  for (const std::string name : {"driverinfo", "logging", "pciinfo"}) {
+  for (const std::string name : {"driverinfo", "driverinventory", "logging", "pciinfo"}) {
     EXPECT_EQ(Module(name + ".dll").Exports(), LinesOf("expected/" + name + ".exports.txt")) << name;
   }
 #else
@@ -125,14 +123,26 @@ TEST(Modules, ExportTheDeviceInventoryByItsPlainName) {
   EXPECT_THAT(Module("pciinfo.dll").Exports(), ElementsAre("GetPciInfo"));
 }
 
+TEST(Modules, ForAnyLanguageNeedWindowsAlone) {
+#ifdef __MINGW32__
+  EXPECT_THAT(Module("driverinventory.dll").ImportedModules(),
+              testing::Each(AnyOf("advapi32.dll", "bcrypt.dll", "crypt32.dll", "kernel32.dll", "msvcrt.dll",
+                                  "setupapi.dll", "version.dll", "wintrust.dll")));
+#else
+  GTEST_SKIP() << "Visual C++'s run-time library is shared";
+#endif
+}
+
 TEST(Modules, NeedNoWindowsLaterThan7) {
-  for (const char* const file : {"driverinfo.dll", "logging.dll", "pciinfo.dll", "driverlist.exe"}) {
+  for (const char* const file :
+       {"driverinfo.dll", "driverinventory.dll", "logging.dll", "pciinfo.dll", "driverlist.exe"}) {
     EXPECT_THAT(Module(file).ImportedModules(), Not(Contains(testing::StartsWith("api-ms-win-core-")))) << file;
   }
 }
 
 TEST(Modules, AreHardened) {
-  for (const char* const file : {"driverinfo.dll", "logging.dll", "pciinfo.dll", "driverlist.exe"}) {
+  for (const char* const file :
+       {"driverinfo.dll", "driverinventory.dll", "logging.dll", "pciinfo.dll", "driverlist.exe"}) {
     const Module module(file);
     const WORD characteristics = module.Header().DllCharacteristics;
     EXPECT_TRUE(characteristics & IMAGE_DLLCHARACTERISTICS_DYNAMIC_BASE) << file;
@@ -143,7 +153,8 @@ TEST(Modules, AreHardened) {
 }
 
 TEST(Modules, SayWhatTheyAre) {
-  for (const char* const file : {"driverinfo.dll", "logging.dll", "pciinfo.dll", "driverlist.exe"}) {
+  for (const char* const file :
+       {"driverinfo.dll", "driverinventory.dll", "logging.dll", "pciinfo.dll", "driverlist.exe"}) {
     const Module module(file);
     EXPECT_EQ(module.VersionText("OriginalFilename"), file);
     EXPECT_EQ(module.VersionText("FileVersion"), PROJECT_VERSION) << file;

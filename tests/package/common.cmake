@@ -17,10 +17,12 @@ function(equal what actual expected)
   endif()
 endfunction()
 
-# unpack(<name>): unpacks the ZIP into a new folder of the name, whose only entry becomes `unpacked`.
+# unpack(<name> [<zip>]): unpacks the ZIP into a new folder of the name, whose only entry becomes `unpacked`.
 macro(unpack name)
+  set(archive ${zip} ${ARGN})
+  list(GET archive -1 archive)
   file(REMOVE_RECURSE ${folder}/${name})
-  file(ARCHIVE_EXTRACT INPUT ${zip} DESTINATION ${folder}/${name})
+  file(ARCHIVE_EXTRACT INPUT ${archive} DESTINATION ${folder}/${name})
   file(GLOB unpacked ${folder}/${name}/*)
   list(LENGTH unpacked entries)
   equal("entries at the top" ${entries} 1)

@@ -14,7 +14,8 @@ WINDOWS = "C:\\windows"
 MEMBERS = (
     "kind name description provider version product_version version_key service path state start_type image_missing "
     "image_time size inf original_inf inf_date class files devices_using instance_id hardware_id identity names "
-    "problem_code problem").split()
+    "problem_code problem sha256 image_sha256 signature signature_problem signature_kind catalog signer "
+    "signer_thumbprint signed_at known").split()
 
 # What a record is found by, by its kind.
 KEYS = {"service": "service", "device": "instance_id", "package": "inf", "chipset": "name"}

@@ -35,11 +35,20 @@ void ReadVersion(const std::string& text, WORD (&words)[4]) {
   }
 }
 
-Driver ReadDriver(const Json& json) {
+/// The full path of a file that a description names, from its own folder on.
+std::string PathFrom(const std::filesystem::path& folder, const std::string& file) {
+  return (folder / std::filesystem::u8path(file)).lexically_normal().make_preferred().u8string();
+}
+
+Driver ReadDriver(const Json& json, const std::filesystem::path& folder) {
   Driver driver{};
   driver.file = json.at("file");
-  driver.size = json.at("size");
   driver.created = Time(json.at("created"));
+  if (json.contains("image")) {
+    driver.image = PathFrom(folder, json.at("image"));
+    return driver;
+  }
+  driver.size = json.at("size");
   driver.hasVersion = json.contains("file_version");
   if (!driver.hasVersion) return driver;
   ReadVersion(json.at("file_version"), driver.version.file);
@@ -100,11 +109,16 @@ auto ReadAll(const Json& json, const char* member, Read read) {
 Description ReadDescription(const std::string& path) {
   std::ifstream file(std::filesystem::u8path(path));
   if (!file) throw std::runtime_error(path + " cannot be read.");
+  const std::filesystem::path folder = std::filesystem::absolute(std::filesystem::u8path(path)).parent_path();
+  const auto readDriver = [&](const Json& json) { return ReadDriver(json, folder); };
+  const auto readPath = [&](const Json& json) { return PathFrom(folder, json); };
   try {
-    const Json json = Json::parse(file);
-    return {ReadAll(json, "drivers", ReadDriver), ReadAll(json, "services", ReadService),
-            ReadAll(json, "packages", ReadPackage), ReadAll(json, "devices", ReadDevice),
-            ReadAll(json, "registry", ReadRegistry)};
+    Json json = {{"roots", Json::array()}, {"catalogs", Json::array()}};
+    json.update(Json::parse(file));
+    return {ReadAll(json, "drivers", readDriver),    ReadAll(json, "services", ReadService),
+            ReadAll(json, "packages", ReadPackage),  ReadAll(json, "devices", ReadDevice),
+            ReadAll(json, "registry", ReadRegistry), ReadAll(json, "roots", readPath),
+            ReadAll(json, "catalogs", readPath)};
   } catch (const std::exception& problem) {
     throw std::runtime_error(path + " describes no machine: " + problem.what() + ".");
   }

@@ -9,6 +9,7 @@
 #include <regex>
 #include <sstream>
 
+#include "commands/commandtable.h"
 #include "commands/options.h"
 #include "driverinfo.h"
 #include "formats/formats.h"
@@ -93,7 +94,7 @@ class SampleMachine : public test::ScratchMachine {
     columns.erase(std::remove_if(columns.begin(), columns.end(),
                                  [](const inventory::Column& column) { return column.isForWideTables; }),
                   columns.end());
-    driverlist::Table table = driverlist::TableOf(inventory::Collect("").records);
+    driverlist::Table table = driverlist::TableOf(inventory::Collect({}).records);
     std::vector<std::size_t> rows(table.rows.size());
     std::iota(rows.begin(), rows.end(), std::size_t{0});
     table = driverlist::PartOf(std::move(table), rows, columns);
@@ -101,8 +102,8 @@ class SampleMachine : public test::ScratchMachine {
   }
 
   void IsExaminedAsExpected() const {
-    IsPrintedAsExpected("health", 1, "health.txt");
-    IsPrintedAsExpected("health --format json", 1, "health.json");
+    IsPrintedAsExpected("health --no-verify", 1, "health.txt");
+    IsPrintedAsExpected("health --no-verify --format json", 1, "health.json");
   }
 
   void FirstAndSecondCallsAreAsExpected() {
@@ -212,6 +213,108 @@ TEST_F(World, IsReadableOnATerminal) { FitsATerminal(); }
 TEST_F(World, IsKeptInASnapshot) { EXPECT_EQ(Snapshot(), Expected("snapshot.json")); }
 TEST_F(World, IsExamined) { IsExaminedAsExpected(); }
 
+// --- What the help and the manual show.
+
+/// The current folder, for a time.
+class CurrentFolder {
+ public:
+  explicit CurrentFolder(const std::wstring& folder) : m_former(std::filesystem::current_path()) {
+    std::filesystem::current_path(folder);
+  }
+  ~CurrentFolder() { std::filesystem::current_path(m_former); }
+  CurrentFolder(const CurrentFolder&) = delete;
+  CurrentFolder& operator=(const CurrentFolder&) = delete;
+
+ private:
+  std::filesystem::path m_former;
+};
+
+/// A call of driverlist, and what it is shown to print.
+struct ShownCall {
+  std::string arguments;
+  std::string printed;
+};
+
+/// What is between "`driverlist " and "`" in a text in Markdown, unless it has words for what the reader puts in.
+std::vector<std::string> CallsInSentences(const std::string& markdown) {
+  const std::regex call("`driverlist ([^`]*)`");
+  const std::regex placeholder("[A-Z]{2}");
+  std::vector<std::string> calls;
+  for (std::sregex_iterator found(markdown.begin(), markdown.end(), call), end; found != end; ++found) {
+    const std::string arguments = (*found)[1];
+    if (!std::regex_search(arguments, placeholder)) calls.push_back(arguments);
+  }
+  return calls;
+}
+
+/// The calls in the blocks of a text in Markdown: lines that begin with "$ driverlist", each with what follows.
+std::vector<ShownCall> CallsInBlocks(const std::string& markdown) {
+  const std::string prompt = "$ driverlist ";
+  std::istringstream lines(markdown);
+  std::vector<ShownCall> calls;
+  bool isOutput = false;
+  for (std::string line; std::getline(lines, line);) {
+    if (line.compare(0, prompt.size(), prompt) == 0) {
+      calls.push_back({line.substr(prompt.size()), ""});
+      isOutput = true;
+    } else if (line.compare(0, 3, "```") == 0 || line.compare(0, 2, "$ ") == 0) {
+      isOutput = false;
+    } else if (isOutput) {
+      calls.back().printed += line + "\n";
+    }
+  }
+  return calls;
+}
+
+/// Runs it; 1 is also what diff and health say that something was found by.
+std::string PrintedBy(const std::string& arguments) {
+  const ProgramResult result = test::RunProgram("driverlist.exe", WideFromUtf8(arguments));
+  EXPECT_LE(result.exitCode, 1u) << arguments;
+  EXPECT_TRUE(result.errors.empty() || result.errors == "No drivers match.\n") << arguments << ": " << result.errors;
+  return WithoutPlace(result.output);
+}
+
+TEST_F(IntelLaptop, RunsEveryExampleOfTheHelp) {
+  const test::TemporaryFolder folder;
+  const CurrentFolder current(folder.Path(L""));
+  // Others read the snapshots of these.
+  for (const driverlist::Example& example : driverlist::EntryOf(driverlist::Command::Snapshot).examples) {
+    PrintedBy(std::string(example.arguments));
+  }
+  for (const driverlist::CommandEntry& command : driverlist::CommandTable()) {
+    for (const driverlist::Example& example : command.examples) PrintedBy(std::string(example.arguments));
+  }
+  std::vector<std::wstring> files = folder.Files();
+  std::sort(files.begin(), files.end());
+  EXPECT_THAT(files, testing::ElementsAre(L"after.json", L"before.json", L"changes.json", L"drivers.html",
+                                          L"findings.json", L"lines.jsonl"));
+}
+
+std::string Manual() { return test::FileContent(L"..\\..\\docs\\driverlist.md"); }
+
+TEST_F(IntelLaptop, PrintsWhatTheManualShows) {
+  const std::vector<ShownCall> calls = CallsInBlocks(Manual());
+  EXPECT_GE(calls.size(), 10u);
+  const test::TemporaryFolder folder;
+  const CurrentFolder current(folder.Path(L""));
+  for (const ShownCall& call : calls) {
+    std::string printed = PrintedBy(call.arguments);
+    // Lines of CSV end otherwise than those of the manual.
+    printed.erase(std::remove(printed.begin(), printed.end(), '\r'), printed.end());
+    // What a comparison shows happened meanwhile; DiffersFromASnapshotByWhatChanged makes it happen.
+    if (call.arguments.compare(0, 5, "diff ") == 0) continue;
+    EXPECT_EQ(printed, WithoutPlace(call.printed)) << call.arguments;
+  }
+}
+
+TEST_F(IntelLaptop, RunsWhatTheManualSays) {
+  const std::vector<std::string> calls = CallsInSentences(Manual());
+  EXPECT_GE(calls.size(), 5u);
+  const test::TemporaryFolder folder;
+  const CurrentFolder current(folder.Path(L""));
+  for (const std::string& call : calls) PrintedBy(call);
+}
+
 // --- What changed.
 
 void Stop(const char* service) {
@@ -232,12 +335,10 @@ void Upgrade(const std::string& path, const WORD (&fileVersion)[4], const wchar_
   std::filesystem::resize_file(path, 120 << 10);
 }
 
-std::string DriverPath(const std::string& file) { return test::SystemDirectory() + "\\drivers\\" + file; }
-
 /// A newer version of the package oem0.inf: its INF, the device installed from it, and the image of its service.
 void UpgradeNetworkAdapter() {
   Stop("nlnet");
-  Upgrade(DriverPath("nlnet.sys"), {12, 19, 3, 1}, L"Northlight Networks", L"Northlight Gigabit adapter driver");
+  Upgrade(test::DriverPath("nlnet.sys"), {12, 19, 3, 1}, L"Northlight Networks", L"Northlight Gigabit adapter driver");
   test::StartDriverService("nlnet");
 
   const std::string inf = test::InfDirectory() + "\\oem0.inf";
@@ -271,12 +372,12 @@ TEST_F(IntelLaptop, DiffersFromASnapshotByWhatChanged) {
   EXPECT_EQ(Printed("snapshot \"" + snapshot + "\""), "");
 
   Stop("TonartAudio");
-  Upgrade(DriverPath("smpaud.sys"), {6, 0, 10001, 0}, L"Tonart Audio", L"High definition audio driver");
+  Upgrade(test::DriverPath("smpaud.sys"), {6, 0, 10001, 0}, L"Tonart Audio", L"High definition audio driver");
   UpgradeNetworkAdapter();
   Configure("mdbeep", SERVICE_AUTO_START);
   test::RemoveDevice("PCI\\VEN_8086&DEV_7E4C&SUBSYS_0A5C1028&REV_20\\3&11583659&0&2D");
   test::SetRegistryText("SOFTWARE\\Intel\\InfInst", "Version", "10.1.18000.1");
-  const test::ScratchFile image(DriverPath("smpnew.sys"), L"images\\full.sys");
+  const test::ScratchFile image(test::DriverPath("smpnew.sys"), L"images\\full.sys");
   const test::DriverService added("smpnew", "\\SystemRoot\\System32\\drivers\\smpnew.sys");
   IsPrintedAsExpected("diff \"" + snapshot + "\" live", 1, "diff.txt");
   IsPrintedAsExpected("diff \"" + snapshot + "\" live --format json", 1, "diff.json");

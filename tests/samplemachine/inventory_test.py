@@ -273,7 +273,17 @@ class SampleMachine:
 
     def test_health_counts_what_the_list_has(self):
         health = self.document("health.json")
+        problems = [device for device in self.of_kind("device") if "problem_code" in device]
+        elsewhere = [service for service in self.of_kind("service") if "image_missing" not in service and
+                     not re.match(r"(?i)c:\\(windows|program files|program files \(x86\))\\", service["path"])]
         expected = {
+            "known-malicious": 0,
+            "known-vulnerable": 0,
+            "signature-invalid": 0,
+            "unsigned": 0,
+            "listed-name": 0,
+            "image-in-user-folder": len(elsewhere),
+            "device-problem": len(problems),
             "device-without-driver": len(self.without_driver()),
             "not-running": len([service for service in self.of_kind("service")
                                 if service["start_type"] in STARTS_BY_ITSELF and service["state"] != "Running"]),

@@ -1,4 +1,4 @@
-// samplemachine clear | make FILE | start FILE | remove FILE: see samplemachine.h.
+// samplemachine clear | replace-adapter | make FILE | start FILE | remove FILE: see samplemachine.h.
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <filesystem>
@@ -16,6 +16,8 @@ int wmain(int argc, wchar_t** argv) {
   std::vector<std::string> arguments;
   for (int i = argc - 1; i > 0; --i) arguments.push_back(std::filesystem::path(argv[i]).u8string());
   CLI::App* const clear = app.add_subcommand("clear", "Takes away what makes machines differ");
+  CLI::App* const replace =
+      app.add_subcommand("replace-adapter", "Puts a fixed display adapter in the place of Wine's");
   CLI::App* const make = app.add_subcommand("make", "Makes the machine of a description");
   CLI::App* const start = app.add_subcommand("start", "Starts the drivers of a description that run");
   CLI::App* const remove = app.add_subcommand("remove", "Takes away the machine of a description");
@@ -32,6 +34,10 @@ int wmain(int argc, wchar_t** argv) {
     }
     if (*clear) {
       samplemachine::Clear();
+      return 0;
+    }
+    if (*replace) {
+      samplemachine::ReplaceDisplayAdapter();
       return 0;
     }
     const samplemachine::Description description = samplemachine::ReadDescription(file);

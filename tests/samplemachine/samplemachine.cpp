@@ -7,6 +7,8 @@
 
 #include "machine.h"
 #include "platform/encoding.h"
+#include "platform/handles.h"
+#include "trustedmachine.h"
 
 namespace samplemachine {
 namespace {
@@ -17,7 +19,7 @@ using Orvane::WideFromUtf8;
 constexpr char Services[] = "System\\CurrentControlSet\\Services";
 constexpr char Enumerators[] = "System\\CurrentControlSet\\Enum\\";
 
-std::string DriverPath(const Driver& driver) {
+std::string ImagePath(const Driver& driver) {
   const bool isFullPath = driver.file.find(':') != std::string::npos;
   return isFullPath ? driver.file : test::SystemDirectory() + "\\" + driver.file;
 }
@@ -35,12 +37,11 @@ bool IsDriverService(const std::string& name) {
 std::vector<std::string> FilesLike(const std::string& pattern) {
   std::vector<std::string> names;
   WIN32_FIND_DATAW file;
-  const HANDLE found = FindFirstFileW(WideFromUtf8(pattern).c_str(), &file);
-  if (found == INVALID_HANDLE_VALUE) return names;
+  const Orvane::FindHandle found(FindFirstFileW(WideFromUtf8(pattern).c_str(), &file));
+  if (!found) return names;
   do {
     names.push_back(Utf8FromWide(file.cFileName));
-  } while (FindNextFileW(found, &file));
-  FindClose(found);
+  } while (FindNextFileW(found.get(), &file));
   return names;
 }
 
@@ -56,7 +57,14 @@ void DeleteDriver(const std::string& path) {
 }
 
 void MakeDriver(const Driver& driver) {
-  const std::string path = DriverPath(driver);
+  const std::string path = ImagePath(driver);
+  if (!driver.image.empty()) {
+    test::MakeFoldersFor(path);
+    std::filesystem::copy_file(std::filesystem::u8path(driver.image), std::filesystem::u8path(path),
+                               std::filesystem::copy_options::overwrite_existing);
+    test::SetFileCreationTime(path, driver.created);
+    return;
+  }
   test::CopyImage(L"images\\sampledriver.sys", path);
   if (driver.hasVersion) test::SetVersionResource(path, test::VersionResourceBytes(driver.version));
   {
@@ -85,6 +93,35 @@ void MakePackage(const Package& package) {
   if (!file) throw std::runtime_error(PackagePath(package) + " cannot be written.");
 }
 
+std::vector<std::string> PciInstances() {
+  std::vector<std::string> instances;
+  for (const std::string& device : test::RegistrySubkeys(std::string(Enumerators) + "PCI")) {
+    const std::string path = "PCI\\" + device;
+    for (const std::string& instance : test::RegistrySubkeys(Enumerators + path)) {
+      instances.push_back(path + "\\" + instance);
+    }
+  }
+  return instances;
+}
+
+test::DeviceSettings DisplayAdapter() {
+  test::DeviceSettings adapter;
+  adapter.instanceId = "PCI\\VEN_0000&DEV_0000&SUBSYS_00000000&REV_00\\00000000";
+  adapter.description = "Wine Adapter";
+  adapter.className = "Display";
+  adapter.hardwareIds = {"PCI\\VEN_0000&DEV_0000&SUBSYS_00000000&REV_00"};
+  return adapter;
+}
+
+void ReplaceDisplayAdapterBeside(const std::vector<test::DeviceSettings>& devices) {
+  for (const std::string& instance : PciInstances()) {
+    const bool isKept =
+        std::any_of(devices.begin(), devices.end(), [&](const auto& device) { return device.instanceId == instance; });
+    if (!isKept) test::RemoveDevice(instance);
+  }
+  test::CreateDevice(DisplayAdapter());
+}
+
 }  // namespace
 
 void Clear() {
@@ -100,6 +137,8 @@ void Clear() {
   for (const char* const key : {"SOFTWARE\\Intel", "SOFTWARE\\WOW6432Node\\AMD"}) test::DeleteRegistryKey(key);
 }
 
+void ReplaceDisplayAdapter() { ReplaceDisplayAdapterBeside({}); }
+
 void Make(const Description& description) {
   for (const Driver& driver : description.drivers) MakeDriver(driver);
   for (const Service& service : description.services) {
@@ -110,21 +149,26 @@ void Make(const Description& description) {
   for (const RegistryText& text : description.registry) {
     test::SetRegistryText(text.key, text.value, text.text);
   }
+  for (const std::string& root : description.roots) test::AddTrustedRoot(root);
+  for (const std::string& catalog : description.catalogs) test::AddCatalog(catalog);
   Start(description);
 }
 
 void Start(const Description& description) {
+  ReplaceDisplayAdapterBeside(description.devices);
   for (const Service& service : description.services) {
     if (service.running) test::StartDriverService(service.name);
   }
 }
 
 void Remove(const Description& description) {
+  for (const std::string& catalog : description.catalogs) test::RemoveCatalog(catalog);
+  for (const std::string& root : description.roots) test::RemoveTrustedRoot(root);
   for (const RegistryText& text : description.registry) test::DeleteRegistryKey(text.key);
   for (const test::DeviceSettings& device : description.devices) test::RemoveDevice(device.instanceId);
   for (const Package& package : description.packages) DeleteExistingFile(PackagePath(package));
   for (const Service& service : description.services) test::DeleteDriverService(service.name);
-  for (const Driver& driver : description.drivers) DeleteDriver(DriverPath(driver));
+  for (const Driver& driver : description.drivers) DeleteDriver(ImagePath(driver));
 }
 
 }  // namespace samplemachine

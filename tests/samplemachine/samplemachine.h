@@ -8,13 +8,18 @@
 namespace samplemachine {
 
 /// Takes away what makes machines differ: driver services (from the next start of the Wine server on), devices, OEM
-/// packages, chipset packages. Of Wine's own devices, the display adapter and its monitor come back.
+/// packages, chipset packages. Wine's own display adapter and monitor come back when Wine starts.
 void Clear();
+
+/// Puts one fixed display adapter in the place of Wine's own, whose name depends on the version of Wine and whose
+/// identity on the graphics card. Removes every other PCI device, too.
+void ReplaceDisplayAdapter();
 
 /// Makes everything that the description lists, and starts the drivers that run.
 void Make(const Description& description);
 
-/// Starts the drivers that run.
+/// What a machine that was made needs whenever Wine starts: replaces the display adapter as ReplaceDisplayAdapter()
+/// does, keeps the description's own PCI devices, and starts the drivers that run.
 void Start(const Description& description);
 
 /// Takes away everything that the description lists.

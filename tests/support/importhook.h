@@ -18,6 +18,9 @@ void** ImportSlot(HMODULE module, const char* function);
 /// The program that runs, as a module whose imports can be hooked.
 inline HMODULE ThisProgram() { return GetModuleHandleA(nullptr); }
 
+/// driverinfo.dll; null where it is not loaded.
+inline HMODULE Library() { return GetModuleHandleA("driverinfo.dll"); }
+
 /// The functions that `module` imports from `dll` by name, in the order of the import directory.
 std::vector<std::string> ImportedFunctions(HMODULE module, const char* dll);
 

@@ -17,13 +17,12 @@
 namespace test {
 namespace {
 
+using Orvane::DeviceSet;
+using Orvane::FileHandle;
 using Orvane::RegKey;
 using Orvane::ServiceHandle;
-using Orvane::UniqueHandle;
 using Orvane::Utf8FromWide;
 using Orvane::WideFromUtf8;
-using DeviceSet = UniqueHandle<HDEVINFO, &SetupDiDestroyDeviceInfoList>;
-using FileHandle = UniqueHandle<HANDLE, &CloseHandle>;
 
 constexpr REGSAM Access = KEY_READ | KEY_WRITE | KEY_WOW64_64KEY;
 constexpr char EnumKey[] = "System\\CurrentControlSet\\Enum\\";
@@ -190,6 +189,8 @@ std::string SystemDirectory() {
   char path[MAX_PATH];
   return std::string(path, GetSystemDirectoryA(path, MAX_PATH));
 }
+
+std::string DriverPath(const std::string& file) { return SystemDirectory() + "\\drivers\\" + file; }
 
 std::string InfDirectory() {
   char path[MAX_PATH];

@@ -19,6 +19,9 @@ bool IsWine();
 /// The system directory, such as "C:\windows\system32".
 std::string SystemDirectory();
 
+/// The path of `file` in the folder of driver images.
+std::string DriverPath(const std::string& file);
+
 /// The inf directory, such as "C:\windows\inf".
 std::string InfDirectory();
 

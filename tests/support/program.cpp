@@ -1,84 +1,88 @@
 #include "program.h"
 
-#include <gtest/gtest.h>
-
 #include <stdexcept>
-#include <vector>
 
-#include "scratchmachine.h"
+#include "machine.h"
 
 namespace test {
 namespace {
 
-HANDLE CreateInherited(const std::wstring& path) {
-  SECURITY_ATTRIBUTES inherited = {sizeof(inherited), nullptr, TRUE};
-  return CreateFileW(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ, &inherited, CREATE_ALWAYS, 0, nullptr);
+/// What a program writes, kept until it is read. Wine's desktop, which a program may start, gets the handles of the
+/// program and outlives it: a file could not be removed, and a pipe does not end.
+class Pipe {
+ public:
+  Pipe() {
+    SECURITY_ATTRIBUTES inherited = {sizeof(inherited), nullptr, TRUE};
+    HANDLE read = nullptr;
+    HANDLE write = nullptr;
+    if (!CreatePipe(&read, &write, &inherited, 1 << 16)) throw std::runtime_error("there is no pipe");
+    m_read.reset(read);
+    m_write.reset(write);
+    SetHandleInformation(read, HANDLE_FLAG_INHERIT, 0);
+  }
+
+  HANDLE End() const { return m_write.get(); }
+
+  /// Appends what is there.
+  void Drain(std::string& text) const {
+    DWORD available = 0;
+    while (PeekNamedPipe(m_read.get(), nullptr, 0, nullptr, &available, nullptr) && available > 0) {
+      std::string part(available, '\0');
+      DWORD read = 0;
+      if (!ReadFile(m_read.get(), part.data(), available, &read, nullptr)) return;
+      text.append(part, 0, read);
+    }
+  }
+
+ private:
+  Orvane::FileHandle m_read;
+  Orvane::FileHandle m_write;
+};
+
+Orvane::ProcessHandle Started(std::wstring commandLine, HANDLE output, HANDLE errors) {
+  STARTUPINFOW start{};
+  start.cb = sizeof(start);
+  start.dwFlags = STARTF_USESTDHANDLES;
+  start.hStdOutput = output;
+  start.hStdError = errors;
+  PROCESS_INFORMATION started{};
+  if (!CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &start, &started)) {
+    throw std::runtime_error("cannot start a program: error " + std::to_string(GetLastError()));
+  }
+  const Orvane::ProcessHandle thread(started.hThread);
+  return Orvane::ProcessHandle(started.hProcess);
 }
 
 }  // namespace
 
 ProgramResult RunProgram(const std::string& program, const std::wstring& arguments, HANDLE output) {
-  const TemporaryFolder folder;
-  const HANDLE outputFile = CreateInherited(folder.Path(L"output"));
-  const HANDLE errorFile = CreateInherited(folder.Path(L"errors"));
+  const Pipe written;
+  const Pipe complaints;
   const std::wstring path = ProgramDirectory() + L"\\" + std::wstring(program.begin(), program.end());
-  std::wstring commandLine = L"\"" + path + L"\" " + arguments;
-  STARTUPINFOW start{};
-  start.cb = sizeof(start);
-  start.dwFlags = STARTF_USESTDHANDLES;
-  start.hStdOutput = output != nullptr ? output : outputFile;
-  start.hStdError = errorFile;
-  PROCESS_INFORMATION process{};
-  if (!CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &start, &process)) {
-    throw std::runtime_error("cannot start " + program + ": error " + std::to_string(GetLastError()));
-  }
-  WaitForSingleObject(process.hProcess, INFINITE);
+  const Orvane::ProcessHandle process =
+      Started(L"\"" + path + L"\" " + arguments, output != nullptr ? output : written.End(), complaints.End());
   ProgramResult result{};
-  GetExitCodeProcess(process.hProcess, &result.exitCode);
-  for (const HANDLE handle : {process.hProcess, process.hThread, outputFile, errorFile}) CloseHandle(handle);
-  result.output = FileContent(folder.Path(L"output"));
-  result.errors = FileContent(folder.Path(L"errors"));
+  for (bool hasEnded = false; !hasEnded;) {
+    hasEnded = WaitForSingleObject(process.get(), 5) == WAIT_OBJECT_0;
+    written.Drain(result.output);
+    complaints.Drain(result.errors);
+  }
+  result.exitCode = STILL_ACTIVE;
+  GetExitCodeProcess(process.get(), &result.exitCode);
   return result;
 }
 
-std::string FileContent(const std::wstring& path) {
-  const HANDLE file = CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
-                                  nullptr, OPEN_EXISTING, 0, nullptr);
-  EXPECT_NE(file, INVALID_HANDLE_VALUE) << "a file cannot be opened";
-  std::string content(file != INVALID_HANDLE_VALUE ? GetFileSize(file, nullptr) : 0, '\0');
-  DWORD read = 0;
-  ReadFile(file, content.data(), static_cast<DWORD>(content.size()), &read, nullptr);
-  CloseHandle(file);
-  content.resize(read);
-  return content;
+Orvane::FileHandle UnreadPipe() {
+  SECURITY_ATTRIBUTES inherited = {sizeof(inherited), nullptr, TRUE};
+  HANDLE read = nullptr;
+  HANDLE write = nullptr;
+  if (!CreatePipe(&read, &write, &inherited, 0)) throw std::runtime_error("there is no pipe");
+  const Orvane::FileHandle closed(read);
+  return Orvane::FileHandle(write);
 }
 
-TemporaryFolder::TemporaryFolder() {
-  static int count = 0;
-  wchar_t folder[MAX_PATH];
-  GetTempPathW(MAX_PATH, folder);
-  m_path = folder + (L"driverinfo_test_" + std::to_wstring(GetCurrentProcessId()) + L"_" + std::to_wstring(++count));
-  CreateDirectoryW(m_path.c_str(), nullptr);
-}
-
-TemporaryFolder::~TemporaryFolder() {
-  for (const std::wstring& file : Files()) {
-    SetFileAttributesW(Path(file).c_str(), FILE_ATTRIBUTE_NORMAL);
-    DeleteFileW(Path(file).c_str());
-  }
-  RemoveDirectoryW(m_path.c_str());
-}
-
-std::vector<std::wstring> TemporaryFolder::Files() const {
-  std::vector<std::wstring> files;
-  WIN32_FIND_DATAW data;
-  const HANDLE found = FindFirstFileW((m_path + L"\\*").c_str(), &data);
-  if (found == INVALID_HANDLE_VALUE) return files;
-  do {
-    if ((data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0) files.emplace_back(data.cFileName);
-  } while (FindNextFileW(found, &data));
-  FindClose(found);
-  return files;
+ProgramResult Driverlist(const std::wstring& arguments, HANDLE output) {
+  return RunProgram("driverlist.exe", arguments, output);
 }
 
 }  // namespace test

@@ -50,6 +50,8 @@ class Redirection {
   }
 
   FARPROC Find(HMODULE module, const char* name) {
+    // What else the module looks up has nothing to do with redirection.
+    if (std::string(name).rfind("Wow64", 0) != 0) return GetProcAddress(module, name);
     calls.push_back("look up " + std::string(name) + (module == nullptr ? " in null" : ""));
     if (name == std::string("Wow64DisableWow64FsRedirection") && hasDisable) return Erased(&Disable);
     if (name == std::string("Wow64RevertWow64FsRedirection") && hasRevert) return Erased(&Revert);

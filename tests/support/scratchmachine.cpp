@@ -1,4 +1,5 @@
 #include "scratchmachine.h"
+#include "platform/handles.h"
 
 #include <cstdlib>
 #include <fstream>
@@ -25,12 +26,11 @@ void ScratchMachine::SetUp() {
 ScratchFile::ScratchFile(const std::string& path, std::size_t size) : m_path(path) {
   RefuseExisting();
   m_firstFolderMade = MakeFoldersFor(path);
-  const HANDLE file = CreateFileA(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0, nullptr);
+  const Orvane::FileHandle file(CreateFileA(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0, nullptr));
   LARGE_INTEGER end;
   end.QuadPart = static_cast<LONGLONG>(size);
-  const bool sized = SetFilePointerEx(file, end, nullptr, FILE_BEGIN) && SetEndOfFile(file);
-  CloseHandle(file);
-  if (!sized) throw std::runtime_error("cannot write " + path);
+  if (!SetFilePointerEx(file.get(), end, nullptr, FILE_BEGIN) || !SetEndOfFile(file.get()))
+    throw std::runtime_error("cannot write " + path);
   SetFileCreationTime(path, CreationTime);
 }
 

@@ -163,8 +163,8 @@ class AllocationSweep : public test::ScratchMachine {
     return device;
   }
 
-  const sweeps::KeptModule m_inventory{"pciinfo.dll"};
-  const sweeps::KeptModule m_logging{"logging.dll"};
+  const Orvane::ModuleHandle m_inventory{LoadLibraryA("pciinfo.dll")};
+  const Orvane::ModuleHandle m_logging{LoadLibraryA("logging.dll")};
   sweeps::Remembered m_remembered;
 };
 

@@ -130,8 +130,8 @@ class FaultSweep : public test::ScratchMachine {
     return records;
   }
 
-  const sweeps::KeptModule m_inventory{"pciinfo.dll"};
-  const sweeps::KeptModule m_logging{"logging.dll"};
+  const Orvane::ModuleHandle m_inventory{LoadLibraryA("pciinfo.dll")};
+  const Orvane::ModuleHandle m_logging{LoadLibraryA("logging.dll")};
   std::wstring m_machine;
   sweeps::Remembered m_remembered;
   Sources m_sources;
@@ -186,7 +186,7 @@ TEST_F(FaultSweep, KnowsEveryPlatformFunctionOfTheLibrary) {
     known.insert(functions.begin(), functions.end());
   std::set<std::string> imported;
   for (const char* const dll : {"advapi32.dll", "kernel32.dll", "setupapi.dll", "version.dll"}) {
-    for (const std::string& function : test::ImportedFunctions(sweeps::Library(), dll)) imported.insert(function);
+    for (const std::string& function : test::ImportedFunctions(test::Library(), dll)) imported.insert(function);
   }
   EXPECT_EQ(imported, known);
 }
@@ -211,7 +211,7 @@ TEST_F(FaultSweep, LeavesOutNoFunctionThatAListingCalls) {
   const Records records = List(Orvane::All).records;
   const FreshLibrary library;
   for (const std::string& function : sweeps::NeverCalled) {
-    test::ReplaceSlot(test::ImportSlot(sweeps::Library(), function.c_str()), reinterpret_cast<void*>(&Uncalled));
+    test::ReplaceSlot(test::ImportSlot(test::Library(), function.c_str()), reinterpret_cast<void*>(&Uncalled));
   }
   library.Host().List(Orvane::All);
   EXPECT_EQ(library.Host().Records(), records);

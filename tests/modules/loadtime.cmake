@@ -1,0 +1,18 @@
+# Which sources of the modules have code that runs when a module is loaded: those of the names that are known by then, and one that
+# includes a mutex of Boost's. Tables are made by the compiler. cmake -D nm=... -D objects=... -D expected=... -P loadtime.cmake
+cmake_minimum_required(VERSION 3.25)
+if(NOT objects)
+  message(FATAL_ERROR "there are no objects to look at.")
+endif()
+set(found)
+foreach(object ${objects})
+  execute_process(COMMAND ${nm} ${object} OUTPUT_VARIABLE symbols COMMAND_ERROR_IS_FATAL ANY)
+  if(symbols MATCHES "_GLOBAL__sub_I")
+    cmake_path(GET object STEM name)
+    list(APPEND found ${name})
+  endif()
+endforeach()
+list(SORT found)
+if(NOT "${found}" STREQUAL "${expected}")
+  message(FATAL_ERROR "code that runs when a module is loaded is in: ${found}; expected: ${expected}")
+endif()
