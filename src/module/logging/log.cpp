@@ -33,7 +33,7 @@ std::string Utf8(const std::wstring& wide) {
   return utf8;
 }
 
-/// `text` in UTF-8, line breaks at its end removed, those inside turned into blanks.
+/// `text` in UTF-8, with line breaks at its end removed and those inside replaced by blanks.
 std::string OneLineUtf8(const std::string& text) {
   std::string line = text.substr(0, text.find_last_not_of("\r\n") + 1);
   std::replace_if(
@@ -42,7 +42,7 @@ std::string OneLineUtf8(const std::string& text) {
   return ascii ? line : Utf8(Wide(CP_ACP, line.data(), line.size()));
 }
 
-/// A sink that writes formatted lines by `Write`, which takes the lines of all threads one by one.
+/// A sink that writes formatted lines with `Write`, which receives the lines of all threads one by one.
 template <void (*Write)(const spdlog::memory_buf_t& line)>
 class LineSink : public spdlog::sinks::base_sink<std::mutex> {
  protected:
@@ -58,7 +58,7 @@ class LineSink : public spdlog::sinks::base_sink<std::mutex> {
 void WriteToStandardError(const spdlog::memory_buf_t& line) {
   const HANDLE handle = GetStdHandle(STD_ERROR_HANDLE);
   DWORD mode = 0;
-  // Nobody could be told that a line of the log was not written.
+  // There is nowhere to report that a line of the log was not written.
   DWORD written = 0;
   if (GetConsoleMode(handle, &mode)) {
     const std::wstring wide = Wide(CP_UTF8, line.data(), line.size());
@@ -72,13 +72,13 @@ void WriteToDebugger(const spdlog::memory_buf_t& line) {
   OutputDebugStringA(std::string(line.data(), line.size()).c_str());
 }
 
-/// Hands lines to the host's function until it is closed.
+/// Passes lines to the host's function until it is closed.
 class FunctionSink : public spdlog::sinks::base_sink<std::recursive_mutex> {
  public:
   explicit FunctionSink(LogFunction function) : m_function(std::move(function)) {}
 
-  /// Waits for a line that another thread is handing over. From inside the function, only keeps it from being called
-  /// again.
+  /// Waits for a line that another thread is passing. Called from inside the function, it only keeps the function from
+  /// being called again.
   void Close() {
     const std::lock_guard<std::recursive_mutex> lock(mutex_);
     m_isOpen = false;
@@ -92,7 +92,7 @@ class FunctionSink : public spdlog::sinks::base_sink<std::recursive_mutex> {
       m_function(Mirrored(message.level), message.source.filename, message.source.line,
                  std::string(message.payload.data(), message.payload.size()));
     } catch (...) {
-      // The host's exception is not the library's to carry through a listing.
+      // The host's exception must not pass through a listing of the library.
     }
     m_isBusy = false;
   }
@@ -104,10 +104,10 @@ class FunctionSink : public spdlog::sinks::base_sink<std::recursive_mutex> {
   bool m_isBusy = false;
 };
 
-/// What lines go to.
+/// Where lines go.
 class Target {
  public:
-  /// `oneLineUtf8`: the sink shows texts as one line of UTF-8 each, else as they were logged.
+  /// `oneLineUtf8`: the sink receives each text as one line of UTF-8; otherwise, as it was logged.
   Target(const spdlog::sink_ptr& sink, bool oneLineUtf8) : m_logger("", sink), m_oneLineUtf8(oneLineUtf8) {
     m_logger.set_level(spdlog::level::trace);
     m_logger.flush_on(spdlog::level::trace);
@@ -140,7 +140,7 @@ struct Choice {
   int level = 4;
 };
 
-/// Null until it is first asked for: nothing is made when the module is loaded.
+/// Null until it is first needed: nothing is created when the module is loaded.
 Choice* theChoice = nullptr;
 
 /// Not destroyed at the end of the process, when a thread that was stopped may hold its mutex.
@@ -149,7 +149,7 @@ Choice& TheChoice() {
   return made;
 }
 
-/// Lines above this level are of no interest to anyone: the level of the choice, 0 without a target.
+/// Lines above this level go nowhere. It is the level that the host chose, or 0 if there is no target.
 std::atomic<int> wantedLevel{0};
 
 void Choose(std::shared_ptr<Target> target) {
@@ -173,7 +173,7 @@ std::shared_ptr<Target> ChosenTarget() {
 }  // namespace
 
 Log::Log(int level, const char* file, int line) : m_level(level), m_file(file), m_line(line) {
-  // Nobody wants the line, so its text is not even made.
+  // Nobody wants the line, so its text is not even composed.
   if (!IsWanted(level)) m_stream.setstate(std::ios_base::badbit);
 }
 
@@ -222,7 +222,7 @@ void LogToFunction(LogFunction function) {
 
 }  // namespace Orvane
 
-/// Lets go of the sink when the module is unloaded; at the end of the process (`reserved` not null) Windows does.
+/// Releases the sink when the module is unloaded; at the end of the process (`reserved` is not null), Windows does so.
 extern "C" BOOL WINAPI DllMain(HINSTANCE, DWORD reason, void* reserved) {
   if (reason == DLL_PROCESS_DETACH && reserved == nullptr) {
     Orvane::wantedLevel = 0;

@@ -1,6 +1,6 @@
 /// @file
-/// The doors between encodings. Behind them every text is UTF-8: Windows' own calls take UTF-16, the narrow ones of the
-/// listing library and of the device inventory the ANSI code page.
+/// The doors between encodings. Beyond them every text is UTF-8. The wide Windows calls take UTF-16; the narrow calls
+/// of the listing library and of the device inventory take the ANSI code page.
 #pragma once
 
 #include <windows.h>
@@ -10,10 +10,10 @@
 
 namespace Orvane {
 
-// Without flags that ask for it, a conversion fails for lack of room only, and each of these first asks how much it
-// needs.
+// Without flags for strict checking, a conversion fails only for lack of room, and each of these functions first asks
+// how much room it needs.
 
-/// What is not text in `codePage` becomes U+FFFD or "?".
+/// Bytes that are not text in `codePage` become U+FFFD or "?".
 inline std::wstring WideFrom(UINT codePage, std::string_view text) {
   const int size = static_cast<int>(text.size());
   std::wstring wide(static_cast<std::size_t>(MultiByteToWideChar(codePage, 0, text.data(), size, nullptr, 0)), L'\0');
@@ -32,17 +32,17 @@ inline std::string Utf8FromWide(std::wstring_view wide) {
   return utf8;
 }
 
-/// What the narrow calls speak: the code page of the process, or UTF-8 in a module that replaces them.
+/// The encoding of the narrow calls: the code page of the process, or UTF-8 in a module that replaces these calls.
 #ifdef ORVANE_LINKED_IN
 constexpr UINT NarrowCodePage = CP_UTF8;
 #else
 constexpr UINT NarrowCodePage = CP_ACP;
 #endif
 
-/// Where the process's code page is UTF-8 (its manifest may say so), only what is not UTF-8 changes.
+/// If the process's code page is UTF-8 (its manifest may say so), only bytes that are not UTF-8 change.
 inline std::string Utf8FromAnsi(std::string_view ansi) { return Utf8FromWide(WideFrom(NarrowCodePage, ansi)); }
 
-/// For the narrow calls of other modules. What the code page has no character for becomes "?".
+/// For the narrow calls of other modules. Characters that the code page does not have become "?".
 inline std::string AnsiFromUtf8(std::string_view utf8) {
   const std::wstring wide = WideFromUtf8(utf8);
   const int size = static_cast<int>(wide.size());
@@ -54,8 +54,8 @@ inline std::string AnsiFromUtf8(std::string_view utf8) {
   return ansi;
 }
 
-/// `utf8` in lower case, letter by letter, the same in every locale. Windows compares names of files, services and
-/// devices so.
+/// `utf8` in lower case, letter by letter, the same in every locale. Windows compares the names of files, services and
+/// devices in this way.
 inline std::string LowerCase(std::string_view utf8) {
   if (utf8.empty()) return std::string();
   std::wstring wide = WideFromUtf8(utf8);

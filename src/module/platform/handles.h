@@ -13,7 +13,8 @@
 
 namespace Orvane {
 
-/// Move-only owner of one handle. Both a null handle and INVALID_HANDLE_VALUE mean none. Closing keeps GetLastError().
+/// Move-only owner of one handle. Both a null handle and INVALID_HANDLE_VALUE mean that it owns no handle. Closing
+/// preserves GetLastError().
 template <typename Handle, auto Close>
 class UniqueHandle {
  public:
@@ -51,13 +52,14 @@ using DeviceSet = UniqueHandle<HDEVINFO, &SetupDiDestroyDeviceInfoList>;
 using InfHandle = UniqueHandle<HINF, &SetupCloseInfFile>;
 using LocalMemory = UniqueHandle<HLOCAL, &LocalFree>;
 
-/// Leaves the handle open until the process ends. Every call says why.
+/// Leaves the handle open until the process ends. The comment at every call says why.
 ///
-/// In a module that links the libraries in, only until that module is unloaded: it may be loaded and unloaded often.
+/// In a module that has the libraries linked in, the handle stays open only until that module is unloaded, because it
+/// may be loaded and unloaded often.
 template <typename Handle, auto Close>
 void KeepOpen(UniqueHandle<Handle, Close>&& handle) noexcept {
 #ifdef ORVANE_LINKED_IN
-  // Made when the first handle is kept.
+  // Created when the first handle is kept.
   static std::forward_list<UniqueHandle<Handle, Close>> kept;  // NOLINT(bugprone-dynamic-static-initializers)
   try {
     kept.emplace_front();

@@ -1,5 +1,5 @@
 /// @file
-/// Why a file is of no use.
+/// The reason why a file cannot be used.
 #pragma once
 
 #include <stdexcept>

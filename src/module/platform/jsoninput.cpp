@@ -9,15 +9,15 @@
 namespace Orvane {
 namespace {
 
-/// Passes a text on. The parser keeps what it has read since the last text began, so this refuses a text that would
-/// take much memory, long before the parser has all of it.
+/// Passes a text on. The parser keeps everything read since the last text began, so this refuses a text that would take
+/// much memory long before the parser has read all of it.
 class BoundedText : public std::streambuf {
  public:
   explicit BoundedText(std::streambuf& source) : m_source(source), m_chunk(1 << 16) {}
 
   bool IsAtEnd() const { return m_isAtEnd; }
 
-  /// From 1, of the character that was read last.
+  /// Counted from 1, for the character that was read last.
   std::size_t Line() const {
     return m_linesBefore + 1 + static_cast<std::size_t>(std::count(m_chunk.data(), LastRead(), '\n'));
   }
@@ -44,7 +44,7 @@ class BoundedText : public std::streambuf {
     }
     m_isEscaped = m_isInText && c == '\\' && !m_isEscaped;
     if (++m_length <= LongestText) return;
-    throw InputProblem(m_isInText ? "holds a text of more than 1 MiB" : "holds more than 1 MiB without a text");
+    throw InputProblem(m_isInText ? "contains a text of more than 1 MiB" : "contains more than 1 MiB without a text");
   }
 
   std::streambuf& m_source;
@@ -56,7 +56,7 @@ class BoundedText : public std::streambuf {
   bool m_isAtEnd = false;
 };
 
-/// What the parser calls.
+/// The functions that the parser calls.
 class Parsing {
  public:
   Parsing(const BoundedText& text, JsonEvents& events) : m_text(text), m_events(events) {}

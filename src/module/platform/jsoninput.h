@@ -1,5 +1,6 @@
 /// @file
-/// JSON that is read value by value, within limits and without being held: a file of any size, made by anybody.
+/// Reads JSON value by value, within limits and without keeping it in memory: a file may be of any size and come from
+/// anybody.
 #pragma once
 
 #include <cstddef>
@@ -12,13 +13,13 @@
 
 namespace Orvane {
 
-/// How many arrays and objects may be inside one another.
+/// How deep arrays and objects may be nested.
 constexpr std::size_t DeepestNesting = 16;
 
-/// How long one text may be, and how far one text from the next, in bytes.
+/// The longest text, and the longest distance from one text to the next, in bytes.
 constexpr std::size_t LongestText = 1 << 20;
 
-/// A text that is not JSON, or only the beginning of some. what() is "is damaged: ...".
+/// A text that is not JSON, or only its beginning. what() is "is damaged: ...".
 struct DamagedJson : InputProblem {
   using InputProblem::InputProblem;
 };
@@ -38,7 +39,7 @@ enum class JsonType {
 /// For sentences: "a text", "null".
 std::string_view JsonTypeName(JsonType type);
 
-/// A value that holds no others.
+/// A value that holds no other values.
 struct JsonScalar {
   JsonType type = JsonType::Null;
   /// Of a text; valid while the event lasts.
@@ -47,7 +48,7 @@ struct JsonScalar {
   std::uint64_t number = 0;
 };
 
-/// Takes what is in a JSON text, in its order. Throws whatever ends the reading.
+/// Receives the parts of a JSON text in order. May throw, which ends the reading.
 class JsonEvents {
  public:
   virtual void Begin(JsonType arrayOrObject) = 0;

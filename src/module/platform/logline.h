@@ -1,8 +1,8 @@
 /// @file
-/// One line to the logging module: ORVANE_LOG(level) << text. Levels are explained in driverinfo.h.
+/// Logs one line: ORVANE_LOG(level) << text. The levels are explained in driverinfo.h.
 ///
-/// Write texts only, numbers through std::to_string: the stream carries the host's global locale, which may group
-/// digits. A line may change GetLastError(): take the error before it.
+/// Write only texts, and numbers through std::to_string: the stream has the host's global locale, which may group
+/// digits. Logging may change GetLastError(): save the error first.
 #pragma once
 
 #include "log.h"

@@ -11,8 +11,8 @@
 namespace Orvane {
 namespace {
 
-/// Appends each record of the device's driver package as it is and, unless its name is all extension, bound to the
-/// device.
+/// Appends each record of the device's driver package unchanged and, unless its name is only an extension, once more
+/// with a name that binds it to the device.
 void AppendPackageRecords(const PciDeviceRecord& device, std::vector<DriverData>& drivers) {
   std::vector<DriverData> records;
   PackageFiles::ReadInfPackage(device.inf_name, records);

@@ -13,7 +13,7 @@ DriverData::DriverData(DriverData&& other) noexcept = default;
 DriverData& DriverData::operator=(const DriverData& other) = default;
 DriverData::~DriverData() = default;
 
-// Moving a string onto itself may empty it, so the record is asked first.
+// Moving a string onto itself may empty it, so self-assignment is checked first.
 DriverData& DriverData::operator=(DriverData&& other) noexcept {
   if (this == &other) return *this;
   name = std::move(other.name);

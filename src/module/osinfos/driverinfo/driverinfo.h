@@ -8,23 +8,23 @@
 ///     info.list_drivers(drivers, Orvane::Registered);
 ///
 /// **Lifetime.** The caller owns the DriverInfo and the vector. Records and strings cross the module border, so the
-/// host and the library must use the same C++ run-time library, linked dynamically. What the listings keep between
-/// calls (see DriverInfo::list_drivers) lives as long as the library is loaded.
+/// host and the library must use the same C++ run-time library, linked dynamically. The caches of the listings (see
+/// DriverInfo::list_drivers) live as long as the library is loaded.
 ///
-/// **Threads.** The library starts no thread and takes no lock. Use one listing at a time in a process, also when the
-/// process has several DriverInfo objects: they share their caches.
+/// **Threads.** The library starts no thread and takes no lock. Run only one listing at a time in a process, even if
+/// the process has several DriverInfo objects: they share the caches.
 ///
-/// **Texts** are narrow strings in the system's ANSI code page, exactly as the system gave them: neither trimmed nor
-/// changed in case. Unknown is the empty text unless a field says otherwise.
+/// **Texts** are narrow strings in the system's ANSI code page, exactly as the system returned them: neither trimmed
+/// nor changed in case. An unknown text is empty unless a field says otherwise.
 ///
-/// **Failures.** A source, service, device or file that cannot be read is written to the log and left out; no listing
-/// reports it otherwise. The only exceptions that reach the caller are those of the standard library when memory runs
-/// out; records appended until then stay in the vector, and those of services in their cache: a listing of services
-/// that ended so is what later calls in the process answer.
+/// **Failures.** A source, service, device or file that cannot be read is logged and left out; nothing else reports it.
+/// The only exceptions that reach the caller are those that the standard library throws when memory runs out. Records
+/// appended until then stay in the vector. A service listing cut short this way stays cached; later calls return the
+/// same partial list.
 ///
-/// **Log.** Lines go to the logging module (log.h), by level: 1 registry keys of chipset packages that cannot be opened
-/// or read; 2 services that cannot be opened or queried; 3 devices and dropped duplicates; 4 progress, counts, single
-/// files.
+/// **Log.** Lines go to the logging module (log.h). Level 1: registry keys of chipset packages that cannot be opened or
+/// read. Level 2: services that cannot be opened or queried. Level 3: devices and dropped duplicates. Level 4:
+/// progress, counts and individual files.
 #pragma once
 
 #include <cstdint>
@@ -41,32 +41,31 @@
 
 #if defined(_MSC_VER)
 #pragma warning(push)
-// Members of standard types have no import of their own; host and library share one run-time library anyway.
+// Members of standard types are not exported themselves; host and library share one run-time library anyway.
 #pragma warning(disable : 4251)
 #endif
 
-/// Everything of the modules that a host sees.
+/// Everything that a host sees of the modules.
 namespace Orvane {
 
 /// One driver of the machine.
 ///
-/// "Services" below are drivers registered with the service control manager; "packages" are INF packages; "chipset"
-/// stands for the packages that chipset installers leave in the registry.
+/// Below, "services" are drivers registered with the service control manager, "packages" are INF packages, and
+/// "chipset" means the packages that chipset installers record in the registry.
 struct DRIVERINFO_API DriverData {
   /// Identity of the driver; the key of operator== and the first key of operator<. Services: file name of the image,
   /// cut before its first "." and given ".sys". Packages: file name as the package lists it, or the name under which
-  /// the INF was delivered; a second time as base name, "_" and identity of the device that uses it. Chipset:
-  /// "intel_chipset", "amd_chipset" or "amd_ppd". Device without a driver: its identity and "_nodriver#". A few
-  /// platform components of Intel and AMD have fixed names.
+  /// the INF was delivered; the device listing adds a second record, named by the base name, "_" and the identity of
+  /// the device. Chipset: "intel_chipset", "amd_chipset" or "amd_ppd". Device without a driver: its identity and
+  /// "_nodriver#". A few Intel and AMD platform components have fixed names.
   std::string name;
 
-  /// What the driver is, for people. Services: FileDescription of the image. Packages: name of the disk on which the
-  /// package lists the file, or its provider. Chipset: a fixed text. Device without a driver: description of the
-  /// device.
+  /// Description for people. Services: FileDescription of the image. Packages: name of the disk on which the package
+  /// lists the file, or its provider. Chipset: a fixed text. Device without a driver: description of the device.
   std::string description;
 
-  /// Who made it. Services: CompanyName of the image. Packages: Provider of the INF. Chipset: "Intel" or "Amd". Device
-  /// without a driver: provider of the device.
+  /// The maker of the driver. Services: CompanyName of the image. Packages: Provider of the INF. Chipset: "Intel" or
+  /// "Amd". Device without a driver: provider of the device.
   std::string provider;
 
   /// Full path of the image file. Services only.
@@ -84,9 +83,9 @@ struct DRIVERINFO_API DriverData {
   /// When the service starts: "Boot Start", "System Start", "Automatic", "Manual" or "Disabled". Services only.
   std::string start_type;
 
-  /// Creation time of the image file in the machine's time zone, "MM/DD/YYYY HH:MM:SS"; at exactly midnight the date
-  /// and one blank. Empty for a time that the run-time library cannot hold: before 1970, in the far future, and far
-  /// east of Greenwich also some hours behind the beginning of 1970. Services only.
+  /// Creation time of the image file in the machine's time zone, "MM/DD/YYYY HH:MM:SS"; at exactly midnight, only the
+  /// date and one blank. Empty for a time that the run-time library cannot represent: before 1970, in the far future,
+  /// and, far east of Greenwich, in the first hours of 2 January 1970. Services only.
   std::string date;
 
   /// Size of the image file in KiB, rounded down, in decimal. Services only.
@@ -95,16 +94,16 @@ struct DRIVERINFO_API DriverData {
   /// Product version of the image's version resource. Services only.
   std::string product_version;
 
-  /// Carried with the record; always empty in a listing.
+  /// Unused: always empty in a listing, but copied with the record.
   std::string reserved1;
 
-  /// Carried with the record; always empty in a listing.
+  /// Unused: always empty in a listing, but copied with the record.
   std::string reserved2;
 
-  /// Carried with the record; always empty in a listing.
+  /// Unused: always empty in a listing, but copied with the record.
   std::vector<std::string> reserved_list;
 
-  /// 1 when the device listing made the record, else 0.
+  /// 1 if the record comes from the device listing, otherwise 0.
   std::int32_t found_by_device = 0;
 
   /// Every text empty, found_by_device 0.
@@ -119,35 +118,34 @@ struct DRIVERINFO_API DriverData {
   DriverData& operator=(DriverData&& other) noexcept;
   ~DriverData();
 
-  /// Same driver: equal `name`, byte by byte. No other field takes part; two versions of one driver are equal.
+  /// Same driver: equal `name`, byte by byte. No other field counts, so two versions of one driver are equal.
   bool operator==(const DriverData& other) const;
 };
 
 /// Listing order: by `name` as bytes (upper case before lower case), then by ascending `file_version`, the oldest
 /// first.
 ///
-/// Versions are compared component by component, components being separated by "." or " ": as hexadecimal numbers where
-/// both are, else as texts; letter case does not count (the process's global locale lower-cases both). Mixing numbers
-/// and texts makes the order of versions intransitive (1g is before 9, 9 before 10, 10 before 1g), so a sort of records
-/// with equal names must not depend on a strict weak order for its own safety. Throws nothing but std::bad_alloc.
+/// Versions are split at "." and " " and compared component by component: as hexadecimal numbers if both components
+/// are, otherwise as texts. Letter case does not count (the process's global locale lower-cases both). Numbers mixed
+/// with texts make the order of versions intransitive (1g is before 9, 9 before 10, 10 before 1g), so never sort
+/// records with equal names by an algorithm whose safety depends on a strict weak order. Throws only std::bad_alloc.
 DRIVERINFO_API bool operator<(const DriverData& a, const DriverData& b);
 
-/// A record for hosts that build and sort lists of their own; no listing uses it, and what its texts mean is the
-/// host's.
+/// A record for hosts that build and sort their own lists. No listing uses it; the host decides what its texts mean.
 struct DRIVERINFO_API DriverDataPre {
-  /// The host's.
+  /// For the host's use.
   std::string text1;
-  /// The host's.
+  /// For the host's use.
   std::string text2;
-  /// What DriverDataPreComp orders by.
+  /// The key by which DriverDataPreComp orders.
   std::string sort_key;
-  /// The host's.
+  /// For the host's use.
   std::string text4;
-  /// The host's.
+  /// For the host's use.
   std::string text5;
-  /// The host's.
+  /// For the host's use.
   std::string text6;
-  /// The host's.
+  /// For the host's use.
   std::vector<std::string> items;
 
   /// Every text and the list empty.
@@ -163,7 +161,7 @@ struct DRIVERINFO_API DriverDataPre {
   ~DriverDataPre();
 };
 
-/// Orders DriverDataPre records by `sort_key` as bytes; no other field takes part.
+/// Orders DriverDataPre records by `sort_key` as bytes; no other field counts.
 class DRIVERINFO_API DriverDataPreComp {
  public:
   DriverDataPreComp() = default;
@@ -178,9 +176,9 @@ class DRIVERINFO_API DriverDataPreComp {
 
 /// Which drivers DriverInfo::list_drivers lists.
 enum DriverInfoSetType : std::int32_t {
-  /// Drivers of the PCI and platform devices present, devices without a driver, chipset packages.
+  /// Drivers of the present PCI and platform devices, devices without a driver, chipset packages.
   ByDevice = 0,
-  /// Kernel, file-system and recogniser drivers registered as services, chipset packages.
+  /// Kernel, file-system and recogniser drivers that are registered as services; chipset packages.
   Registered = 1,
   /// Both, and the OEM packages of the inf directory: sorted, one record per name.
   All = 2
@@ -195,25 +193,25 @@ class DRIVERINFO_API DriverInfo {
   DriverInfo();
   ~DriverInfo();
   DriverInfo(const DriverInfo&) = delete;
-  /// Shares the implementation of `other`. The implementation that this object held is not freed, even when no other
-  /// object holds it: assign rarely. Destroying both objects afterwards is safe.
+  /// Shares the implementation of `other`. The former implementation of this object is never freed, so assign rarely.
+  /// Destroying both objects afterwards is safe.
   DriverInfo& operator=(const DriverInfo& other);
 
-  /// Appends the drivers of the machine to `drivers`. Always returns 0, also for a value of `type` that is none of the
-  /// enumerators, which lists nothing.
+  /// Appends the drivers of the machine to `drivers`. Always returns 0. A `type` that is not one of the enumerators
+  /// lists nothing.
   ///
   /// - ByDevice asks the device inventory module for the devices that are present, the Setup API for the driver package
-  ///   of each, and the registry for the chipset packages. The result is sorted, with one record per name, and all
-  ///   records of `drivers` are marked `found_by_device`, the caller's own too. Once a listing has found anything,
-  ///   later calls in the process replace the content of `drivers` by that result.
-  /// - Registered asks the service control manager for all driver services, and the registry, the image file and its
-  ///   version resource for each. A service whose image file is not found is left out. The order is that of the service
-  ///   control manager, without removing duplicates. Records of the chipset packages found in the registry follow.
-  ///   Once a listing has found a service, later calls in the process append those same services from a cache, without
-  ///   the chipset packages: drivers installed or removed meanwhile do not show.
+  ///   of each, and the registry for the chipset packages. The result is sorted, with one record per name. Every record
+  ///   in `drivers`, the caller's own included, is marked `found_by_device`. Once a listing has found anything, later
+  ///   calls in the process replace the content of `drivers` with that result.
+  /// - Registered asks the service control manager for all driver services, and for each service reads the registry,
+  ///   the image file and its version resource. A service whose image file is not found is left out. The order is that
+  ///   of the service control manager; duplicates stay. Records of the chipset packages in the registry follow. Once a
+  ///   listing has found a service, later calls in the process append the same services from a cache, without the
+  ///   chipset packages: drivers installed or removed since then are not noticed.
   /// - All lists the devices, the services, and the OEM packages of the inf directory, which are read afresh on every
-  ///   call. The result is sorted, with one record per name: the device's, where a device has it, else the one with the
-  ///   oldest version. Records that `drivers` held before take part like those of services.
+  ///   call. The result is sorted, with one record per name: the device's record if a device has that name, otherwise
+  ///   the record with the oldest version. Records that `drivers` held before the call are treated like services.
   int list_drivers(std::vector<DriverData>& drivers, const DriverInfoSetType& type);
 
   /// The same as list_drivers(drivers, ByDevice).

@@ -55,7 +55,7 @@ std::string GetImageFileName(const char* configuredPath, const char* serviceName
   const std::string name = serviceName != nullptr ? serviceName : "";
   if (path.find("\\??\\") != std::string::npos) return path.substr(4);
   if (path.empty()) return name + ".sys";
-  // In lower case by the process's global locale.
+  // Lower-cased with the process's global locale.
   const std::string lower = boost::algorithm::to_lower_copy(path);
   return lower.substr(lower.rfind('\\') + 1);
 }
@@ -64,8 +64,7 @@ std::string FirstImagePlace(const std::string& path, const std::string& systemDi
   using boost::algorithm::starts_with;
   if (path.find(':') != std::string::npos) return path;
   for (const char* const prefix : {"\\system32", "system32", "\\System32", "System32", "\\SystemRoot\\"}) {
-    // What follows the last "32" of the whole path, wherever that stands. Without any, the position behind it wraps to
-    // 1.
+    // Everything after the last "32" of the whole path, wherever it is. Without a "32", npos + 2 wraps to 1.
     if (starts_with(path, prefix)) return systemDirectory + path.substr(path.rfind("32") + 2);
   }
   return systemDirectory + "\\drivers\\" + path;

@@ -6,7 +6,7 @@ namespace Orvane {
 std::string GetLastErrorText() {
   const DWORD error = GetLastError();
   char* text = nullptr;
-  // Without a message the pointer stays null.
+  // If there is no message, the pointer stays null.
   FormatMessageA(FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_IGNORE_INSERTS | FORMAT_MESSAGE_FROM_SYSTEM, nullptr,
                  error, MAKELANGID(LANG_NEUTRAL, SUBLANG_DEFAULT), reinterpret_cast<char*>(&text), 0, nullptr);
   const LocalMemory owner(text);

@@ -11,7 +11,8 @@
 namespace Orvane {
 namespace {
 
-/// `time` as the run-time library takes it, `minutesEarlier` taken off its minutes without normalising.
+/// `time` in the form that the run-time library takes, with `minutesEarlier` subtracted from its minutes without
+/// normalising.
 std::tm BrokenDownTime(const SYSTEMTIME& time, int minutesEarlier) {
   std::tm result{};
   result.tm_year = time.wYear - 1900;
@@ -24,7 +25,7 @@ std::tm BrokenDownTime(const SYSTEMTIME& time, int minutesEarlier) {
   return result;
 }
 
-/// Minutes that the machine's clock is ahead of UTC at `time`.
+/// How many minutes the machine's clock is ahead of UTC at `time`.
 short MinutesEastOfUtc(__time64_t time) {
   struct __timeb64 zone {};
   _ftime64_s(&zone);
@@ -47,7 +48,7 @@ std::string PackageFiles::FileTimeToText(const FILETIME& fileTime) {
     ORVANE_LOG(4) << "Invalid datetime encountered...";
     return std::string();
   }
-  // On the first day of the epoch the instant in UTC may lie before it; that day is valid all the same.
+  // On the first day of the epoch, the same instant in UTC may be before the epoch; the day is valid nevertheless.
   const bool firstDay = local.wYear == 1970 && local.wMonth == 1 && local.wDay == 1;
   std::tm asUtc = BrokenDownTime(local, MinutesEastOfUtc(time));
   if (!firstDay && _mktime64(&asUtc) == -1) {

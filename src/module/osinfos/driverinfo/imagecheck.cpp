@@ -14,8 +14,8 @@
 namespace Orvane {
 namespace {
 
-/// A header of the file at `offset`, of which only the first `size` bytes are read; none when the file has not all of
-/// those. Numbers in an image have their lowest byte first, as in memory on every machine that runs Windows.
+/// The header at `offset` of the file, of which only the first `size` bytes are read; nullopt if the file does not have
+/// all of them. Numbers in an image are little-endian, as is memory on every machine that runs Windows.
 template <typename Header>
 std::optional<Header> Read(const ReadBytes& read, std::uint64_t offset, std::size_t size = sizeof(Header)) {
   Header header{};
@@ -23,7 +23,7 @@ std::optional<Header> Read(const ReadBytes& read, std::uint64_t offset, std::siz
   return header;
 }
 
-/// A part of the image: where it stands once mapped, and what the file holds of it.
+/// A part of the image: where it is mapped, and which part of the file it comes from.
 struct Section {
   std::uint64_t address;
   std::uint64_t size;
@@ -31,7 +31,7 @@ struct Section {
   std::uint64_t fileSize;
 };
 
-/// What IMAGE_NT_HEADERS begin with, for both kinds of processor.
+/// The beginning of IMAGE_NT_HEADERS, the same for 32 and 64 bits.
 struct NtHeader {
   DWORD Signature;
   IMAGE_FILE_HEADER FileHeader;
@@ -40,7 +40,7 @@ struct NtHeader {
 struct Image {
   std::uint64_t size = 0;
   std::vector<Section> sections;
-  /// Address of the resource directory; 0 when there is none.
+  /// Address of the resource directory; 0 if there is no such directory.
   std::uint64_t resources = 0;
   std::uint64_t resourcesSize = 0;
 };
@@ -49,7 +49,7 @@ enum class Soundness { NoImage, Sound, Unsound };
 
 std::uint64_t RoundUp(std::uint64_t number, std::uint64_t unit) { return (number + unit - 1) / unit * unit; }
 
-/// Reads the sections, which must lie in the file, in the image, and one behind the other.
+/// Reads the sections, which must lie inside the file and inside the image, in ascending order.
 bool ReadSections(const ReadBytes& read, std::uint64_t table, std::size_t count, std::uint64_t fileSize, Image& image) {
   std::uint64_t end = 0;
   for (std::size_t i = 0; i < count; ++i) {
@@ -65,7 +65,7 @@ bool ReadSections(const ReadBytes& read, std::uint64_t table, std::size_t count,
   return true;
 }
 
-/// What is read of the optional header, whose two forms have some fields in other places.
+/// The fields of the optional header that are read. Its two forms have some of them in different places.
 struct OptionalHeader {
   std::size_t directories;
   std::uint64_t imageSize;
@@ -80,8 +80,8 @@ OptionalHeader FieldsOf(const Form& header) {
           header.DataDirectory[IMAGE_DIRECTORY_ENTRY_RESOURCE]};
 }
 
-/// Reads as much as both forms have up to the directory of the resources. `soundness` says what an image without an
-/// optional header is.
+/// Reads both forms up to the entry of the resource directory. If there is no optional header, `soundness` says what
+/// the file is instead.
 std::optional<OptionalHeader> ReadOptionalHeader(const ReadBytes& read, std::uint64_t offset, Soundness& soundness) {
   constexpr std::size_t size = offsetof(IMAGE_OPTIONAL_HEADER64, DataDirectory) +
                                (IMAGE_DIRECTORY_ENTRY_RESOURCE + 1) * sizeof(IMAGE_DATA_DIRECTORY);
@@ -102,8 +102,8 @@ Soundness ReadImage(std::uint64_t fileSize, const ReadBytes& read, Image& image)
   const std::uint64_t begin = static_cast<DWORD>(dos->e_lfanew);
   const auto header = Read<NtHeader>(read, begin);
   if (!header) return Soundness::NoImage;
-  // Images of 16-bit Windows are no drivers, and what says only half of its signature is no image: yet the platform
-  // reads both.
+  // An image of 16-bit Windows is not a driver, and a file with only half of the signature is not an image; yet the
+  // platform reads both.
   if (LOWORD(header->Signature) == IMAGE_OS2_SIGNATURE) return Soundness::Unsound;
   if (LOWORD(header->Signature) != IMAGE_NT_SIGNATURE) return Soundness::NoImage;
   if (header->Signature != IMAGE_NT_SIGNATURE) return Soundness::Unsound;
@@ -135,7 +135,7 @@ Soundness ReadImage(std::uint64_t fileSize, const ReadBytes& read, Image& image)
   return Soundness::Sound;
 }
 
-/// Where [address, address + size) of the image stands in the file; none when no section holds all of it.
+/// Where [address, address + size) of the image is in the file; nullopt if no section holds all of it.
 std::optional<std::uint64_t> FileOffset(const Image& image, std::uint64_t address, std::uint64_t size) {
   for (const Section& section : image.sections) {
     const std::uint64_t inFile = std::min(section.size, section.fileSize);
@@ -146,18 +146,18 @@ std::optional<std::uint64_t> FileOffset(const Image& image, std::uint64_t addres
   return std::nullopt;
 }
 
-/// Whether all entries of the directory node at `node`, and what they lead to `depth` levels below, lie in the image.
-/// At most so many are followed that no image takes long.
+/// Whether all entries of the directory node at `node`, and everything they lead to `depth` levels below, lie inside
+/// the image. The number of entries followed is limited, so that no image takes long.
 bool IsSoundNode(const Image& image, const ReadBytes& read, std::uint64_t node, int depth, int& budget);
 
-/// The header of type `Header` at `address` of the image, where one section holds all of it.
+/// The header of type `Header` at `address` of the image; nullopt unless one section holds all of it.
 template <typename Header>
 std::optional<Header> ReadMapped(const Image& image, const ReadBytes& read, std::uint64_t address) {
   const auto offset = FileOffset(image, address, sizeof(Header));
   return offset ? Read<Header>(read, *offset) : std::nullopt;
 }
 
-/// Whether a name, which is a length and so many characters, lies in the image.
+/// Whether a name (a length, then that many characters) lies inside the image.
 bool IsSoundName(const Image& image, const ReadBytes& read, std::uint64_t name) {
   const auto length = ReadMapped<WORD>(image, read, name);
   return length && FileOffset(image, name, sizeof(WORD) + sizeof(WCHAR) * std::uint64_t{*length});
@@ -195,13 +195,13 @@ bool IsSoundNode(const Image& image, const ReadBytes& read, std::uint64_t node, 
   return true;
 }
 
-/// A file of which a page is kept: what the check reads lies close together, and each read of the file costs more than
-/// all that is done with it.
+/// A file with one page cached: the check reads places close together, and each read of the file costs more than all
+/// the work on its result.
 class FilePage {
  public:
   FilePage(std::FILE* file, std::uint64_t size) : m_file(file), m_size(size) {}
 
-  /// As ReadBytes; `count` is at most a page.
+  /// Like ReadBytes; `count` is at most a page.
   bool Read(std::uint64_t offset, void* bytes, std::size_t count) {
     if (count > m_page.size() || offset > m_size || count > m_size - offset) return false;
     const bool isKept = offset >= m_begin && offset + count <= m_begin + m_count;

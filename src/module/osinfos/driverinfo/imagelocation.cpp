@@ -21,7 +21,7 @@ FindHandle FindCandidate(const std::string& candidate, WIN32_FIND_DATAA* findDat
 HANDLE FindDriverFile(std::string& path, WIN32_FIND_DATAA* findData) {
   std::array<char, MAX_PATH> systemDirectory{};
   std::array<char, MAX_PATH> windowsDirectory{};
-  // A directory that is not told is empty, and no file is found below it.
+  // If Windows does not report the directory, it is empty, and no file is found below it.
   GetSystemDirectoryA(systemDirectory.data(), MAX_PATH);
   GetWindowsDirectoryA(windowsDirectory.data(), MAX_PATH);
   const std::string system = BoundedText(systemDirectory.data(), systemDirectory.size());
@@ -33,7 +33,7 @@ HANDLE FindDriverFile(std::string& path, WIN32_FIND_DATAA* findData) {
     found = FindCandidate(candidate, findData);
   }
   if (!found) {
-    // When the Windows directory is not told, the system directory is still there.
+    // If Windows does not report its own directory, the system directory is still searched.
     GetWindowsDirectoryA(systemDirectory.data(), MAX_PATH);
     candidate = BoundedText(systemDirectory.data(), systemDirectory.size()) + "\\" + path;
     found = FindCandidate(candidate, findData);

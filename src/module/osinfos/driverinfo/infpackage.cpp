@@ -20,16 +20,17 @@ namespace {
 
 using boost::algorithm::iends_with;
 
-/// Reads one INF. All texts go through one buffer: what a failing read leaves there is still that of the read before.
+/// Reads one INF. All texts go through one buffer: after a read that fails, it still holds the text of the previous
+/// read.
 class InfReader {
  public:
-  /// False when the file cannot be opened as an INF.
+  /// False if the file cannot be opened as an INF.
   explicit InfReader(const std::string& path)
       : m_inf(SetupOpenInfFileA(path.c_str(), nullptr, INF_STYLE_WIN4, nullptr)) {}
 
   explicit operator bool() const { return static_cast<bool>(m_inf); }
 
-  /// Field `index` (the first is 1) of the line `key` of the section "version"; none when the line has fewer.
+  /// Field `index` (the first is 1) of the line `key` in the section "version"; nullopt if the line has fewer fields.
   std::optional<std::string> VersionField(const char* key, DWORD index) {
     INFCONTEXT line{};
     if (!SetupFindFirstLineA(m_inf.get(), "version", key, &line) || SetupGetFieldCount(&line) < index)
@@ -37,16 +38,17 @@ class InfReader {
     return Field(line, index);
   }
 
-  /// Field `index` of a line, its key at 0; none when it has no such field or the field does not fit the buffer.
+  /// Field `index` of a line (0 is its key); nullopt if the line has no such field or the field does not fit into the
+  /// buffer.
   std::optional<std::string> Field(INFCONTEXT& line, DWORD index) {
     if (!SetupGetStringFieldA(&line, index, m_buffer.data(), Size(), nullptr)) return std::nullopt;
     return Text();
   }
 
-  /// The line of `disk` in the disk section; where there is none, the text that was read before, which is `disk`
+  /// The name of `disk` in the disk section; if the section has no such line, the text read before, which is `disk`
   /// itself.
   std::string DiskName(const char* diskSection, const std::string& disk) {
-    // Where it fails, the buffer keeps what it held.
+    // If this fails, the buffer keeps its text.
     SetupGetLineTextA(nullptr, m_inf.get(), diskSection, disk.c_str(), m_buffer.data(), Size(), nullptr);
     return Text();
   }
@@ -69,8 +71,8 @@ class InfReader {
   std::array<char, 512> m_buffer{};
 };
 
-/// Appends a record for each driver file that `inf` lists. `package` carries what the records of one package share.
-/// True when a ".sys" file was among them.
+/// Appends a record for each driver file that `inf` lists. `package` has the fields that all records of one package
+/// share. True if the package lists a ".sys" file.
 bool AppendListedFiles(InfReader& inf, const DriverData& package, std::vector<DriverData>& drivers) {
   bool hasSysFile = false;
   for (const InfFileSection& section : InfFileSections) {
@@ -99,7 +101,7 @@ bool AppendListedFiles(InfReader& inf, const DriverData& package, std::vector<Dr
 void PackageFiles::ReadInfPackage(const std::string& infPath, std::vector<DriverData>& drivers) {
   ORVANE_LOG(4) << loglines::PackageInf << infPath;
   InfReader inf(infPath);
-  // The handle of a failed open is not passed on: not every Setup API survives it.
+  // Never pass on the handle of a failed open: not every Setup API survives it.
   const auto version = inf ? inf.VersionField("DriverVer", 2) : std::nullopt;
   if (!version) {
     ORVANE_LOG(4) << "Get driver version failed";
@@ -134,7 +136,7 @@ bool GetInfOriginalName(const std::string& infPath, std::string& originalName) {
 
   DWORD size = 0;
   if (!SetupGetInfInformationA(infPath.c_str(), INFINFO_INF_NAME_IS_ABSOLUTE, nullptr, 0, &size)) return false;
-  // The structure that the platform takes has room for its own first members at least.
+  // The structure that the platform takes has room for at least these first members.
   std::vector<char> information(std::max<std::size_t>(size, sizeof(SP_INF_INFORMATION)));
   auto* const inf = reinterpret_cast<SP_INF_INFORMATION*>(information.data());
   if (!SetupGetInfInformationA(infPath.c_str(), INFINFO_INF_NAME_IS_ABSOLUTE, inf, size, &size)) return false;

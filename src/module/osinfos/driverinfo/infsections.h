@@ -4,15 +4,15 @@
 
 namespace Orvane {
 
-/// A section that lists files, and the one that describes the disks that they are on.
+/// A section that lists files, and the section that describes the disks they are on.
 struct InfFileSection {
   const char* files;
   const char* disks;
 };
 
-/// In the order in which they are read: by name as bytes. All are read on every machine, so a package for several
-/// processors is listed whole. The section of 64-bit ARM is not among them: its files run on no machine that this
-/// library is for.
+/// In the order in which they are read: by name as bytes. All of them are read on every machine, so a package for
+/// several processors is listed completely. The section for 64-bit ARM is left out: its files run on no machine that
+/// this library supports.
 constexpr InfFileSection InfFileSections[] = {{"SourceDisksFiles", "SourceDisksNames"},
                                               {"SourceDisksFiles.amd64", "SourceDisksNames.amd64"},
                                               {"SourceDisksFiles.ia64", "SourceDisksNames.ia64"},

@@ -1,5 +1,5 @@
 /// @file
-/// Words of the log lines by which others follow a listing: the line that shows its progress knows them again.
+/// Words of log lines that other code relies on: the progress display recognises them.
 #pragma once
 
 #include <string_view>
@@ -8,19 +8,19 @@ namespace Orvane::loglines {
 
 /// The whole line when the listing of devices begins.
 constexpr std::string_view DevicesBegin = "Start list exist device driver files.";
-/// Behind the identity of a device, before its INF. The line has no other.
+/// Between the identity of a device and its INF. The line has no other words.
 constexpr std::string_view DeviceInf = "|";
 
 /// The whole line when the listing of services begins.
 constexpr std::string_view ServicesBegin = "Start to list registered driver files.";
 /// Before the name of a service's driver.
 constexpr std::string_view DriverName = "DRIVERINFO.name=";
-/// Behind that name, before the version.
+/// Between that name and the version.
 constexpr std::string_view DriverVersion = " DRIVERINFO.file_version=";
 
 /// The whole line when the listing of OEM packages begins.
 constexpr std::string_view OemPackagesBegin = "Start to list driver files from OemInf.";
-/// Before the path of an INF that is read for whichever listing.
+/// Before the path of an INF, whichever listing reads it.
 constexpr std::string_view PackageInf = "Start to parse ";
 
 }  // namespace Orvane::loglines

@@ -34,13 +34,14 @@ void PackageFiles::ScanOemInfCatalogue(std::vector<DriverData>& drivers) {
       if (istarts_with(name, "oem") && iends_with(name, ".inf")) ReadInfPackage(entry.path().string(), drivers);
     }
   } catch (const boost::system::system_error& error) {
-    // Boost reports some allocations that fail so; they are the caller's to know.
+    // Boost reports some failed allocations this way; the caller must learn of them.
     if (error.code() == make_error_code(boost::system::errc::not_enough_memory)) throw std::bad_alloc();
-    // A directory that cannot be walked, or a name outside the ANSI code page: what was found until then is the
-    // catalogue.
+    // A directory that cannot be walked, or a name outside the ANSI code page: the catalogue is what was found until
+    // then.
   }
-  // Only a cache that holds something grows, and it is answered from above when it does: the catalogue is read afresh
-  // on every call, since packages come and go while the process runs. The other listings are cached.
+  // The cache never fills: only a cache that already holds something grows, and such a cache would have been returned
+  // above. So the catalogue is read afresh on every call, because packages come and go while the process runs. The
+  // other listings are cached.
   if (!cache.empty()) cache.insert(cache.end(), drivers.begin(), drivers.end());
 }
 

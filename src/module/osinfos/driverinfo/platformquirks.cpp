@@ -5,7 +5,7 @@
 namespace Orvane {
 
 bool SurvivesDamagedImages() {
-  // Wine has this function for programs that ask; Windows does not.
+  // Wine exports this function so that programs can recognise it; Windows does not have it.
   return GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") == nullptr;
 }
 

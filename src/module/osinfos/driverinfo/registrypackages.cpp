@@ -14,7 +14,7 @@
 namespace Orvane {
 namespace {
 
-/// A driver package that leaves nothing but a version value in the registry.
+/// A driver package that leaves only a version value in the registry.
 struct RegistryPackage {
   /// Path below HKEY_LOCAL_MACHINE, in the 64-bit view.
   const char* key;
@@ -50,8 +50,8 @@ bool DetectRegistryPackage(const RegistryPackage& package, std::vector<DriverDat
     ORVANE_LOG(1) << "Failed to open " << package.key << " in HKEY_LOCAL_MACHINE";
     return false;
   }
-  // The library closes no registry key: a listing that found something is cached, so a process opens each key once or
-  // twice.
+  // The library never closes a registry key. Listings that found something are cached, so a process opens each key only
+  // once or twice.
   KeepOpen(RegKey(opened));
 
   std::array<char, 1024> value{};

@@ -21,8 +21,8 @@ struct DriverService {
   DWORD state;
 };
 
-/// The entries that `buffer` holds, `count` by the platform's word. Entries stand in front of their texts, so they end
-/// where the first text begins, and one without a name is none.
+/// The entries in `buffer`; the platform says that there are `count`. Entries come before their texts, so they end
+/// where the first text begins, and an entry without a name does not count.
 std::vector<DriverService> Entries(const std::vector<char>& buffer, DWORD count) {
   const auto* const entries = reinterpret_cast<const ENUM_SERVICE_STATUSA*>(buffer.data());
   std::vector<DriverService> services;
@@ -39,17 +39,17 @@ std::vector<DriverService> Entries(const std::vector<char>& buffer, DWORD count)
   return services;
 }
 
-/// The driver services of the machine; none when the service control manager cannot be asked.
+/// The driver services of the machine; empty if the service control manager cannot be queried.
 std::vector<DriverService> EnumerateDriverServices(SC_HANDLE manager) {
   if (manager == nullptr) return {};
   DWORD size = 0;
   DWORD count = 0;
   DWORD resume = 0;
-  // It fails, having no room, and says how much it needs.
+  // This call fails because it has no room, and reports how much room it needs.
   EnumServicesStatusA(manager, SERVICE_DRIVER, SERVICE_STATE_ALL, nullptr, 0, &size, &count, &resume);
   std::vector<char> buffer(size);
   count = 0;
-  // Once, without asking for more: a driver registered between the two calls is left to the next process.
+  // Only once: a driver registered between the two calls is left to the next process.
   DWORD needed = 0;
   if (!EnumServicesStatusA(manager, SERVICE_DRIVER, SERVICE_STATE_ALL,
                            reinterpret_cast<ENUM_SERVICE_STATUSA*>(buffer.data()), size, &needed, &count, &resume) &&
@@ -59,13 +59,13 @@ std::vector<DriverService> EnumerateDriverServices(SC_HANDLE manager) {
   return Entries(buffer, count);
 }
 
-/// What the listing needs of a service's configuration.
+/// The part of a service's configuration that the listing needs.
 struct ServiceConfig {
   DWORD startType = 0;
   std::string imagePath;
 };
 
-/// False, with the error logged, when the configuration cannot be read.
+/// If the configuration cannot be read, logs the error and returns false.
 bool QueryConfig(SC_HANDLE service, ServiceConfig& config) {
   alignas(QUERY_SERVICE_CONFIGA) std::array<char, 4096> buffer{};
   auto* const queried = reinterpret_cast<QUERY_SERVICE_CONFIGA*>(buffer.data());
@@ -80,15 +80,16 @@ bool QueryConfig(SC_HANDLE service, ServiceConfig& config) {
   return true;
 }
 
-/// The image path in the registry key that carries the name `stem`, with environment variables expanded; empty when
-/// there is none. The key is named after the image file: for a service of another name it is another service's key, or
-/// none.
+/// The image path in the registry key named `stem`, with environment variables expanded; empty if there is no path. The
+/// key is named after the image file: for a service with a different name it belongs to another service or does not
+/// exist.
 std::string RegisteredImagePath(const std::string& stem) {
   HKEY opened = nullptr;
-  // Most keys are there; without one, the query below fails and the path is empty.
+  // Most keys exist; if this one does not, the query below fails and the path is empty.
   RegOpenKeyExA(HKEY_LOCAL_MACHINE, ("System\\CurrentControlSet\\Services\\" + stem).c_str(), 0, KEY_QUERY_VALUE,
                 &opened);
-  // The library closes no registry key: a listing that found something is cached, so a process opens each key once.
+  // The library never closes a registry key. A listing that found something is cached, so a process opens each key only
+  // once.
   KeepOpen(RegKey(opened));
 
   std::array<char, 1024> value{};
@@ -99,13 +100,12 @@ std::string RegisteredImagePath(const std::string& stem) {
   if (path.find('%') == std::string::npos) return path;
 
   std::array<char, 1024> expanded{};
-  // Where it fails, the path is empty.
+  // If this fails, the path is empty.
   ExpandEnvironmentStringsA(path.c_str(), expanded.data(), static_cast<DWORD>(expanded.size()));
   return BoundedText(expanded.data(), expanded.size());
 }
 
-/// The version resource of the image at `path`; what is missing of it is read once more without file-system
-/// redirection.
+/// The version resource of the image at `path`; missing texts are read once more without file-system redirection.
 SysFileInfo ReadVersions(const std::string& path) {
   SysFileInfo info;
   PackageFiles::GetDriveInfoFromSysFile(path, info);
@@ -186,7 +186,7 @@ int ServiceDrivers::ListRegisteredDrivers(std::vector<DriverData>& drivers) {
   for (const DriverService& service : EnumerateDriverServices(manager.get())) {
     AppendDriver(manager.get(), service, drivers, cache);
   }
-  // It grows no more and lives as long as the process.
+  // It does not grow any more and lives as long as the process.
   cache.shrink_to_fit();
   DetectIntelChipset(drivers);
   DetectAmdChipset(drivers);

@@ -13,10 +13,10 @@
 namespace Orvane {
 namespace {
 
-/// A record, and what it is ordered by. Sorting these moves 32 bytes where a record has 416.
+/// A record and the key that it is ordered by. Sorting these moves 32 bytes each instead of the 416 of a record.
 struct Entry {
-  /// Eight bytes of the name, the first of them the most significant. Most comparisons end here, without a look at the
-  /// names, which lie all over the memory.
+  /// Eight bytes of the name, the first one most significant. Most comparisons end here, without reading the names,
+  /// which are scattered over memory.
   std::uint64_t key;
   std::string_view name;
   DriverData* driver;
@@ -26,7 +26,7 @@ using Entries = std::vector<Entry>;
 
 bool IsBefore(const Entry& a, const Entry& b) { return a.key != b.key ? a.key < b.key : a.name < b.name; }
 
-/// How many bytes all names begin with alike.
+/// The length of the prefix that all names share.
 std::size_t CommonPrefix(const Entries& entries) {
   if (entries.empty()) return 0;
   const std::string_view first = entries.front().name;
@@ -40,8 +40,8 @@ std::size_t CommonPrefix(const Entries& entries) {
   return common;
 }
 
-/// Eight bytes of `name` from `begin` on, zeros behind its end: of two names that are alike up to `begin`, the lesser
-/// one has no greater key.
+/// Eight bytes of `name` from `begin` on, filled up with zeros: if two names are equal up to `begin`, the key of the
+/// lesser name is not greater than the key of the other.
 std::uint64_t Key(std::string_view name, std::size_t begin) {
   std::uint64_t key = 0;
   for (std::size_t i = begin; i < begin + sizeof(key); ++i) {
@@ -54,11 +54,11 @@ void SortByName(Entries& entries) {
   const std::size_t common = CommonPrefix(entries);
   for (Entry& entry : entries) entry.key = Key(entry.name, common);
   // By name only, and then the oldest of each name: the order of versions is not transitive (1g is before 9, 9 before
-  // 10, 10 before 1g), so a sort by operator< itself might run out of its range. What is kept is the same.
+  // 10, 10 before 1g), so a sort by operator< itself might read outside its range. The records kept are the same.
   std::sort(entries.begin(), entries.end(), &IsBefore);
 }
 
-/// Keeps the oldest of each name of sorted entries.
+/// Keeps the oldest entry of each name; the entries are sorted.
 void KeepOldest(Entries& entries) {
   auto kept = entries.begin();
   for (auto run = entries.begin(); run != entries.end();) {
@@ -81,7 +81,7 @@ std::vector<DriverData*> Unique(Entries entries) {
   return unique;
 }
 
-/// Moves records into a vector that has room for no others.
+/// Moves records into a vector that has no spare room.
 std::vector<DriverData> Take(const std::vector<DriverData*>& drivers) {
   std::vector<DriverData> taken;
   taken.reserve(drivers.size());
@@ -93,7 +93,8 @@ void LogUnique(const std::vector<DriverData>& drivers) {
   ORVANE_LOG(4) << "driverlist size after erase unique:" << std::to_string(drivers.size());
 }
 
-/// Finds a device by its name. A table of its own, since one of the standard library would take memory for each name.
+/// Finds a device by its name. A table of its own, because one of the standard library would allocate memory for each
+/// name.
 class DeviceNames {
  public:
   explicit DeviceNames(const std::vector<DriverData>& devices) : m_devices(devices) {
@@ -106,7 +107,7 @@ class DeviceNames {
     }
   }
 
-  /// The position of the device; none when there is no device of that name.
+  /// The position of the device; None if no device has that name.
   std::size_t Find(std::string_view name) const { return m_slots[SlotOf(name, Hash(name))].device; }
 
   static constexpr std::size_t None = std::numeric_limits<std::size_t>::max();
@@ -119,7 +120,7 @@ class DeviceNames {
 
   static std::size_t Hash(std::string_view name) { return std::hash<std::string_view>()(name); }
 
-  /// The slot of `name`; where it has none, the free one in which to put it. At least half of the slots are free.
+  /// The slot of `name`, or the free slot where it belongs. At least half of the slots are free.
   std::size_t SlotOf(std::string_view name, std::size_t hash) const {
     std::size_t slot = hash;
     for (;; ++slot) {
@@ -150,14 +151,14 @@ std::vector<Shadowed> FindShadowed(const std::vector<DriverData>& devices, const
   return shadowed;
 }
 
-/// In the order of the device records, for each of them in the order of `drivers`.
+/// In the order of the device records, and for each of them in the order of `drivers`.
 void LogShadowed(std::vector<Shadowed> allShadowed, const std::vector<DriverData>& drivers) {
   std::sort(allShadowed.begin(), allShadowed.end(), [](const Shadowed& a, const Shadowed& b) {
     return a.device != b.device ? a.device < b.device : a.driver < b.driver;
   });
   for (const Shadowed& shadowed : allShadowed) {
     const DriverData& driver = drivers[shadowed.driver];
-    // The size stands where the line says version; readers of the log know it so.
+    // The line says "version" but shows the size; readers of the log expect it.
     ORVANE_LOG(3) << driver.name << "; version=" << driver.size << " already found by device.";
   }
 }
@@ -168,16 +169,16 @@ void SortAndRemoveDuplicates(std::vector<DriverData>& drivers) {
   Entries entries;
   entries.reserve(drivers.size());
   for (DriverData& driver : drivers) entries.push_back({0, driver.name, &driver});
-  // Comparing versions may run out of memory, moving records may not: first decide, then move, so that no record is
-  // lost. In two statements, since the entries live to the end of the first.
+  // Comparing versions may run out of memory, moving records may not: decide first, then move, so that no record is
+  // lost. These are two statements because the entries live until the end of the first.
   const std::vector<DriverData*> unique = Unique(std::move(entries));
   drivers = Take(unique);
   LogUnique(drivers);
 }
 
 void MergeDevices(std::vector<DriverData> devices, std::vector<DriverData>& drivers) {
-  // A vector that doubled may have much room left: it is given back, so that the listing needs little more than its
-  // result and the caches do.
+  // A vector that doubled may have much spare room. It is given back, so that the listing needs little more memory than
+  // its result and the caches.
   if (drivers.capacity() > drivers.size() + drivers.size() / 16) drivers.shrink_to_fit();
   const std::vector<Shadowed> shadowed = FindShadowed(devices, drivers);
   Entries entries;

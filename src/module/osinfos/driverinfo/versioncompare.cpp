@@ -10,7 +10,7 @@
 namespace Orvane {
 namespace {
 
-/// Value of a hexadecimal digit; none of any other character.
+/// Value of a hexadecimal digit; nullopt for any other character.
 std::optional<unsigned> DigitValue(char c) {
   if (c >= '0' && c <= '9') return static_cast<unsigned>(c - '0');
   if (c >= 'a' && c <= 'f') return static_cast<unsigned>(c - 'a' + 10);
@@ -18,8 +18,8 @@ std::optional<unsigned> DigitValue(char c) {
   return std::nullopt;
 }
 
-/// Value of a run of hexadecimal digits; none for any other text (signs, prefixes, blanks, nothing at
-/// all) and for a value past 63 bits.
+/// Value of a run of hexadecimal digits; nullopt for any other text (signs, prefixes, blanks, nothing at all) and for a
+/// value of more than 63 bits.
 std::optional<std::int64_t> HexValue(std::string_view component) {
   if (component.empty()) return std::nullopt;
   std::uint64_t value = 0;
@@ -40,7 +40,7 @@ int CompareComponent(std::string_view a, std::string_view b) {
   return Sign(a.compare(b));
 }
 
-/// The components of a version, one after the other. Every version has one at least.
+/// The components of a version, one after the other. Every version has at least one.
 class Components {
  public:
   explicit Components(std::string_view version) : m_left(version) {}
@@ -62,7 +62,7 @@ class Components {
 
 char ClassicLower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 
-/// A text in lower case by the global locale.
+/// A text lower-cased with the global locale.
 class LowerCase {
  public:
   explicit LowerCase(std::string_view text) : m_size(text.size()) {
@@ -70,7 +70,7 @@ class LowerCase {
     char* const target = m_large.empty() ? m_small.data() : m_large.data();
     const std::locale locale;
     if (locale == std::locale::classic()) {
-      // Asking for its letters would take longer than the comparison.
+      // Looking up its letters would take longer than the comparison.
       std::transform(text.begin(), text.end(), target, &ClassicLower);
       return;
     }
@@ -81,7 +81,7 @@ class LowerCase {
   std::string_view Text() const { return {m_large.empty() ? m_small.data() : m_large.data(), m_size}; }
 
  private:
-  // Most versions need no memory of their own.
+  // Most versions need no allocation.
   std::array<char, 64> m_small;
   std::string m_large;
   std::size_t m_size;

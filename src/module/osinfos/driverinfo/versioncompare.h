@@ -1,5 +1,5 @@
 /// @file
-/// The order of driver versions. Needs nothing of the platform.
+/// The order of driver versions. Uses no platform API.
 #pragma once
 
 #include <string>
@@ -7,16 +7,15 @@
 
 namespace Orvane {
 
-/// Compares two driver versions: -1 when `a` is the older one, 1 when it is the newer one, 0 when they are equivalent.
+/// Compares two driver versions: -1 if `a` is older, 1 if it is newer, 0 if they are equivalent.
 ///
 /// Both are split at every "." and " " (adjacent separators enclose an empty component) and compared component by
-/// component: as base-16 numbers of up to 63 bits where both are, else as bytes. When all common components are
-/// equivalent, the version with more of them is the newer one.
-/// `b` is lower-cased with the global locale, `a` is not: pass it in lower case.
-/// Throws nothing but std::bad_alloc.
+/// component: as base-16 numbers of up to 63 bits if both components are, otherwise as bytes. If all common components
+/// are equivalent, the version with more components is newer. `b` is lower-cased with the global locale, `a` is not:
+/// pass it in lower case. Throws only std::bad_alloc.
 int CompareVersion(std::string a, const std::string& b);
 
-/// The same of `a` in lower case by the global locale, without a copy of either.
+/// The same for `a` lower-cased with the global locale, without copying either.
 int CompareVersionInLowerCase(std::string_view a, std::string_view b);
 
 }  // namespace Orvane

@@ -24,22 +24,22 @@ struct Translation {
   WORD codePage;
 };
 
-/// The translation of the last image that had one: images without a table of their own are looked up under it, and the
-/// texts listed for them rest on that.
+/// The translation of the last image that had one. Images without a table of their own are looked up under it; the
+/// texts listed for them depend on that.
 std::optional<Translation> lastTranslation;
 
-/// Whether the platform may be asked about the image. Looking at it first costs another opening of the file, so that is
-/// done only where it is needed.
+/// Whether it is safe to ask the platform about the image. Checking it first means opening the file once more, so this
+/// is done only where it is needed.
 bool MayBeAskedAbout(const std::string& path) {
   static const bool survivesAll = SurvivesDamagedImages();
   return survivesAll || IsSoundImage(path);
 }
 
-/// The version resource of one image. Its content comes from the file and is trusted in nothing: what is read lies
-/// inside the buffer.
+/// The version resource of one image. Its content comes from the file and is not trusted: nothing outside the buffer is
+/// read.
 class VersionResource {
  public:
-  /// Empty when the image cannot be read or has no version resource.
+  /// Empty if the image cannot be read or has no version resource.
   explicit VersionResource(const std::string& path) {
     if (!MayBeAskedAbout(path)) return;
     DWORD handle = 0;
@@ -47,19 +47,19 @@ class VersionResource {
     // No image has room for more; a larger one is damaged.
     constexpr DWORD largest = 64 << 20;
     if (size == 0 || size > largest) return;
-    // Zeros behind the resource: the lengths in it are 16-bit numbers of the file, by which the platform finds its way
-    // and places the narrow copies of texts. With this room, a damaged resource leads nowhere else.
+    // Zeros after the resource: its lengths are 16-bit numbers from the file, which the platform follows and by which
+    // it places the narrow copies of texts. With this room, a damaged resource cannot lead outside the buffer.
     constexpr std::size_t room = 1 << 19;
     m_bytes.reset(static_cast<char*>(VirtualAlloc(nullptr, size + room, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE)));
     if (!m_bytes) throw std::bad_alloc();
     m_size = size + room;
-    // Where it fails, the buffer holds zeros, in which no query finds anything.
+    // If this fails, the buffer holds zeros, in which no query finds anything.
     GetFileVersionInfoA(path.c_str(), handle, size, m_bytes.get());
   }
 
   bool empty() const { return m_size == 0; }
 
-  /// The file's own translation. Neither the result nor the length of the query counts, only what it points to.
+  /// The file's own translation. Only the value that the query points to counts, not its result or its length.
   std::optional<Translation> FirstTranslation() const {
     void* entry = nullptr;
     UINT length = 0;
@@ -69,7 +69,7 @@ class VersionResource {
     return translation;
   }
 
-  /// The fixed block, zeros where the buffer ends inside it; none when the query gives no length.
+  /// The fixed block, filled up with zeros if the buffer ends inside it; nullopt if the query reports no length.
   std::optional<VS_FIXEDFILEINFO> FixedBlock() const {
     const void* const block = Query("\\");
     if (block == nullptr) return std::nullopt;
@@ -78,7 +78,7 @@ class VersionResource {
     return fixed;
   }
 
-  /// The text `key` of the string table of `translation`; empty when there is none.
+  /// The text `key` of the string table of `translation`; empty if there is no such text.
   std::string Text(const Translation& translation, const char* key) const {
     char path[64];
     std::snprintf(path, sizeof(path), "\\StringFileInfo\\%04x%04x\\%s", translation.language, translation.codePage,
@@ -91,14 +91,14 @@ class VersionResource {
     void operator()(char* bytes) const { VirtualFree(bytes, 0, MEM_RELEASE); }
   };
 
-  /// What `path` names; null when the query fails or gives no length.
+  /// The value that `path` names; null if the query fails or reports no length.
   const void* Query(const char* path) const {
     void* value = nullptr;
     UINT length = 0;
     return VerQueryValueA(m_bytes.get(), path, &value, &length) && length > 0 ? value : nullptr;
   }
 
-  /// Copies what stands at `source`, up to the end of the buffer. True when all of `target` was there.
+  /// Copies from `source`, up to the end of the buffer. True if it filled all of `target`.
   template <typename T>
   bool Copy(const void* source, T& target) const {
     const auto inside = BytesFrom(static_cast<const char*>(source), m_bytes.get(), m_size);
@@ -107,7 +107,7 @@ class VersionResource {
     return bytes == sizeof(T);
   }
 
-  // Pages of its own, which are zero and cost nothing until they are touched; most never are.
+  // Pages of their own, which are zero and cost nothing until they are touched; most never are.
   std::unique_ptr<char, Free> m_bytes;
   std::size_t m_size = 0;
 };

@@ -18,14 +18,14 @@ class RedirectionOff {
   }
   RedirectionOff(const RedirectionOff&) = delete;
   RedirectionOff& operator=(const RedirectionOff&) = delete;
-  // Reverts also when nothing was switched off.
+  // Reverts even if nothing was switched off.
   ~RedirectionOff() {
     if (const auto revert = Function<BOOL(WINAPI*)(void*)>("Wow64RevertWow64FsRedirection")) revert(OldValue);
-    // Also a null handle, which an owner would not free: every way through here makes the same calls.
+    // Frees even a null handle, which an owner would skip: every path through here makes the same calls.
     FreeLibrary(m_kernel);
   }
 
-  /// False where redirection could not be switched off, as in a 64-bit process, which has none.
+  /// False if redirection could not be switched off, as in a 64-bit process, which has no redirection.
   explicit operator bool() const { return m_isOff; }
 
  private:
@@ -34,8 +34,8 @@ class RedirectionOff {
     return reinterpret_cast<Pointer>(reinterpret_cast<void*>(GetProcAddress(m_kernel, name)));
   }
 
-  /// What every revert call gets, whatever old value the disable call handed out: null stands for redirection switched
-  /// on, the state in which threads come to this library.
+  /// The argument of every revert call, whatever old value the disable call returned: null means redirection switched
+  /// on, the state of every thread that enters this library.
   static constexpr void* OldValue = nullptr;
 
   HMODULE m_kernel;

@@ -26,7 +26,7 @@ bool StartsWith(std::string_view text, std::string_view prefix) {
          });
 }
 
-/// "15F3" for "DEV_" in "VEN_8086&DEV_15F3"; empty when there is no such field.
+/// "15F3" for "DEV_" in "VEN_8086&DEV_15F3"; empty if there is no such field.
 std::string_view Field(std::string_view fields, std::string_view prefix) {
   while (!fields.empty()) {
     const std::size_t end = std::min(fields.find('&'), fields.size());
@@ -50,7 +50,7 @@ std::optional<DeviceIdentifiers> ParsePci(std::string_view fields) {
   auto identifiers = Identifiers(vendor, device);
   const std::string_view subsystem = Field(fields, "SUBSYS_");
   if (IsHexNumber(subsystem, 8)) {
-    // The subsystem device stands in front of the subsystem vendor.
+    // The subsystem device comes before the subsystem vendor.
     identifiers->part4 = subsystem.substr(0, 4);
     identifiers->part3 = subsystem.substr(4);
   }
@@ -61,7 +61,7 @@ std::optional<DeviceIdentifiers> ParseAcpi(std::string_view fields) {
   const std::string_view vendor = Field(fields, "VEN_");
   const std::string_view device = Field(fields, "DEV_");
   if (IsPlatformVendor(vendor) && IsHexNumber(device, 4)) return Identifiers(vendor, device);
-  // In one word, the device being its last four characters.
+  // Vendor and device in one word; the device is its last four characters.
   const std::string_view word = fields.substr(0, fields.find('&'));
   if (word.size() < 4) return std::nullopt;
   const std::size_t split = word.size() - 4;
@@ -78,7 +78,7 @@ bool HasEnumerator(std::string_view instanceId, std::string_view enumerator) {
 std::optional<DeviceIdentifiers> ParseIdentifier(std::string_view identifier) {
   const std::size_t begin = identifier.find('\\');
   if (begin == std::string_view::npos) return std::nullopt;
-  // An instance identifier goes on behind a second "\".
+  // An instance identifier continues after a second "\".
   const std::string_view device = identifier.substr(begin + 1);
   const std::string_view fields = device.substr(0, device.find('\\'));
   if (HasEnumerator(identifier, "PCI")) return ParsePci(fields);

@@ -1,5 +1,5 @@
 /// @file
-/// What the identifiers of a device say. Needs nothing of the platform.
+/// Reads the identifiers of a device. Uses no platform API.
 #pragma once
 
 #include <optional>
@@ -16,12 +16,12 @@ struct DeviceIdentifiers {
   std::string part4 = "0000";
 };
 
-/// Whether a device instance identifier belongs to the enumerator, whatever the case of both.
+/// Whether a device instance identifier belongs to the enumerator; case does not count.
 bool HasEnumerator(std::string_view instanceId, std::string_view enumerator);
 
 /// Reads a hardware or instance identifier of the enumerators PCI and ACPI, such as
-/// "PCI\VEN_8086&DEV_15F3&SUBSYS_0A5C1028&REV_03", "ACPI\VEN_INTC&DEV_105E" or "ACPI\INTC105E\2&DABA3FF&0".
-/// None for an identifier of another form.
+/// "PCI\VEN_8086&DEV_15F3&SUBSYS_0A5C1028&REV_03", "ACPI\VEN_INTC&DEV_105E" or "ACPI\INTC105E\2&DABA3FF&0". Nullopt for
+/// an identifier of any other form.
 std::optional<DeviceIdentifiers> ParseIdentifier(std::string_view identifier);
 
 }  // namespace Orvane

@@ -21,14 +21,14 @@ class Device {
  public:
   Device(HDEVINFO set, SP_DEVINFO_DATA data) : m_set(set), m_data(data) {}
 
-  /// Empty, with GetLastError() set, when it cannot be read.
+  /// If it cannot be read, empty with GetLastError() set.
   std::string InstanceId() {
     std::array<char, 1024> text{};
     if (!SetupDiGetDeviceInstanceIdA(m_set, &m_data, text.data(), static_cast<DWORD>(text.size()), nullptr)) return {};
     return BoundedText(text.data(), text.size());
   }
 
-  /// The texts of a property; none when the device has no such property.
+  /// The texts of a property; empty if the device has no such property.
   std::vector<std::string> Properties(DWORD property) {
     std::vector<std::string> texts;
     const std::vector<char> bytes = PropertyBytes(property);
@@ -40,20 +40,20 @@ class Device {
     return texts;
   }
 
-  /// The (first) text of a property; empty when the device has no such property.
+  /// The (first) text of a property; empty if the device has no such property.
   std::string Property(DWORD property) {
     const std::vector<char> bytes = PropertyBytes(property);
     return BoundedText(bytes.data(), bytes.size());
   }
 
-  /// The key that holds what is known of the installed driver package; none when no driver is installed.
+  /// The registry key that describes the installed driver package; empty if no driver is installed.
   RegKey DriverKey() {
     return RegKey(SetupDiOpenDevRegKey(m_set, &m_data, DICS_FLAG_GLOBAL, 0, DIREG_DRV, KEY_QUERY_VALUE));
   }
 
  private:
   std::vector<char> PropertyBytes(DWORD property) {
-    // What the platform says of the size of a property is a hint: some report too little for narrow text.
+    // The size that the platform reports is only a hint: some platforms report too little for narrow text.
     std::vector<char> bytes(1024);
     DWORD size = 0;
     constexpr std::size_t largest = 1 << 20;
@@ -70,7 +70,7 @@ class Device {
   SP_DEVINFO_DATA m_data;
 };
 
-/// A text value of a driver key; empty when there is none.
+/// A text value of a driver key; empty if there is no such value.
 std::string KeyText(const RegKey& key, const char* name) {
   std::array<char, 1024> text{};
   DWORD size = static_cast<DWORD>(text.size());
@@ -81,7 +81,7 @@ std::string KeyText(const RegKey& key, const char* name) {
   return BoundedText(text.data(), text.size());
 }
 
-/// "C:\windows\inf\"; empty when the system does not tell.
+/// "C:\windows\inf\"; empty if the system does not report it.
 std::string InfDirectory() {
   std::array<char, MAX_PATH> windows{};
   const UINT length = GetSystemWindowsDirectoryA(windows.data(), static_cast<UINT>(windows.size()));
@@ -89,8 +89,8 @@ std::string InfDirectory() {
   return std::string(windows.data(), length) + "\\inf\\";
 }
 
-/// The identity that the most specific identifier of a known form tells; else all of `instanceId` between its first two
-/// "\" is the vendor.
+/// The identity from the most specific identifier that has a known form. If no identifier has one, the vendor is
+/// everything in `instanceId` between its first two "\".
 DeviceIdentifiers Identify(const std::vector<std::string>& hardwareIds, const std::string& instanceId) {
   for (const std::string& id : hardwareIds) {
     if (const auto identifiers = ParseIdentifier(id)) return *identifiers;

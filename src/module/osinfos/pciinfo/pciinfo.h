@@ -1,8 +1,8 @@
 /// @file
 /// Inventory of the PCI and platform devices that are present.
 ///
-/// The library driverinfo.dll calls this module for its device listing. Any module with the same export can stand in
-/// its place; records and texts cross the border, so all sides link one C++ run-time library dynamically.
+/// The library driverinfo.dll calls this module for its device listing. Any module with the same export can replace it.
+/// Records and texts cross the module border, so all sides must link the same C++ run-time library dynamically.
 #pragma once
 
 #include <string>
@@ -18,14 +18,13 @@
 
 namespace Orvane {
 
-/// One device. Texts are narrow strings in the system's ANSI code page, identifiers in the case in which Windows
-/// reports them. Unknown is the empty text unless a field says otherwise. The order of the members is the layout that
-/// all modules share; the device listing of driverinfo.dll reads those with a name of their own.
+/// One device. Texts are narrow strings in the system's ANSI code page; identifiers keep the case in which Windows
+/// reports them. An unknown text is empty unless a field says otherwise. All modules share this layout, so the order of
+/// the members is fixed. The device listing of driverinfo.dll reads only the members with a descriptive name.
 struct PciDeviceRecord {
   /// Device description, for people.
   std::string description;
-  /// Device identifier, such as "15F3" (PCI) or "105E" (platform); "0000" for a platform device whose identifier has
-  /// none.
+  /// Device identifier, such as "15F3" (PCI) or "105E" (platform); "0000" for a platform device without one.
   std::string device_id;
   /// The most specific hardware identifier, such as "PCI\VEN_8086&DEV_15F3&SUBSYS_0A5C1028&REV_03".
   std::string text3;
@@ -37,11 +36,11 @@ struct PciDeviceRecord {
   std::string vendor_id;
   /// Setup class, such as "Net".
   std::string text7;
-  /// Subsystem vendor of a PCI device, such as "1028"; "0000" when it has none, as platform devices.
+  /// Subsystem vendor of a PCI device, such as "1028"; "0000" if it has none, as for every platform device.
   std::string identity_part3;
-  /// Where the device is, such as "PCI bus 0, device 31, function 6".
+  /// Location of the device, such as "PCI bus 0, device 31, function 6".
   std::string text9;
-  /// Subsystem device of a PCI device, such as "0A5C"; "0000" when it has none, as platform devices.
+  /// Subsystem device of a PCI device, such as "0A5C"; "0000" if it has none, as for every platform device.
   std::string identity_part4;
   /// Service that drives the device.
   std::string text11;
@@ -49,7 +48,7 @@ struct PciDeviceRecord {
   std::string text12;
   /// Date of the installed driver package.
   std::string text13;
-  /// Name that the device's own driver gave it.
+  /// Friendly name, given to the device by its driver.
   std::string text14;
   /// Full path of the INF file of the installed driver package; empty when no driver is installed.
   std::string inf_name;
@@ -59,8 +58,8 @@ struct PciDeviceRecord {
 
 }  // namespace Orvane
 
-/// Appends one record per present device of the enumerators PCI and ACPI to `devices`, which is the caller's, in the
-/// order in which the Setup API enumerates them. Everything is read from the device node and its driver key; no list of
-/// drivers that would fit is ever built. A device that cannot be read is left out, with a line at level 2 of the log.
-/// Throws nothing but std::bad_alloc.
+/// Appends one record per present device of the enumerators PCI and ACPI to `devices`, which the caller owns, in the
+/// order in which the Setup API enumerates them. Everything is read from the device node and its driver key; the
+/// function never asks Windows to search for matching drivers. A device that cannot be read is left out and logged at
+/// level 2. Throws only std::bad_alloc.
 extern "C" PCIINFO_API void GetPciInfo(std::vector<Orvane::PciDeviceRecord>& devices);
