@@ -18,7 +18,7 @@ using inventory::Record;
 /// The library behind the inventory allows one listing at a time in a process.
 SRWLOCK lock = SRWLOCK_INIT;
 
-/// The thread that collects; 0 for none.
+/// The thread that collects; 0 if no thread does.
 std::atomic<DWORD> collector{0};
 
 struct Collector {

@@ -1,5 +1,5 @@
 /// @file
-/// What a handle refers to.
+/// The object behind a handle.
 #pragma once
 
 #include <cstddef>
@@ -14,15 +14,15 @@
 
 namespace flat {
 
-/// How hosts get the values of a member.
+/// The way in which hosts get the values of a member.
 enum class MemberType { Text = 1, Number, Flag, Texts };
 
 MemberType TypeOf(const inventory::Member& member);
 
 struct DerivedPlaces;
 
-/// A finished inventory. Nothing of it changes, so any thread may read it. What it returns lives as long as it does;
-/// null is no value.
+/// A finished inventory. It never changes, so any thread may read it. The pointers that it returns live as long as it
+/// does; null means no value.
 class Contents {
  public:
   explicit Contents(inventory::Inventory&& inventory);
@@ -32,7 +32,7 @@ class Contents {
   const inventory::Inventory& Get() const { return m_inventory; }
   std::size_t Count() const { return m_inventory.records.size(); }
 
-  /// `record` is below Count(), and each function is for members of its type alone.
+  /// `record` is below Count(). Each function is only for members of its type.
   const std::string* Text(std::size_t record, const inventory::Member& member) const;
   std::optional<std::uint64_t> Number(std::size_t record, const inventory::Member& member) const;
   const std::vector<std::string>& Texts(std::size_t record, const inventory::Member& member) const;
@@ -40,7 +40,7 @@ class Contents {
  private:
   inventory::Inventory m_inventory;
   const DerivedPlaces& m_places;
-  /// The texts that follow from others: record by record, those of one record in the order of members.
+  /// The texts that are derived from others, record by record; within a record in the order of members.
   std::vector<std::string> m_derived;
 };
 

@@ -154,21 +154,21 @@ using namespace flat;
 
 driverinventory_status driverinventory_collect(const driverinventory_options* options, driverinventory** inventory) {
   return Guarded([&] {
-    Cleared(inventory, "The place for the inventory");
+    Cleared(inventory, "The output pointer for the inventory");
     return Open(Collect(ReadOptions(options)), inventory);
   });
 }
 
 driverinventory_status driverinventory_open(const char* path, driverinventory** inventory) {
   return Guarded([&] {
-    Cleared(inventory, "The place for the inventory");
+    Cleared(inventory, "The output pointer for the inventory");
     return Open(OpenSnapshot(Needed(path, "The path")), inventory);
   });
 }
 
 driverinventory_status driverinventory_read(const char* text, size_t length, driverinventory** inventory) {
   return Guarded([&] {
-    Cleared(inventory, "The place for the inventory");
+    Cleared(inventory, "The output pointer for the inventory");
     Bytes bytes(Needed(text, "The text"), length);
     return Open(ReadSnapshot(bytes, "The text"), inventory);
   });
@@ -183,7 +183,7 @@ driverinventory_status driverinventory_release(driverinventory* inventory) {
 
 driverinventory_status driverinventory_count(const driverinventory* inventory, size_t* count) {
   return Guarded([&] {
-    Cleared(count, "The place for the number");
+    Cleared(count, "The output pointer for the number");
     *count = ContentsOf(inventory).Count();
     return DRIVERINVENTORY_OK;
   });
@@ -193,7 +193,7 @@ driverinventory_status driverinventory_head(const driverinventory* inventory, co
                                             size_t* length) {
   return Guarded([&] {
     Give(length, 0);
-    Cleared(text, "The place for the text");
+    Cleared(text, "The output pointer for the text");
     return GiveText(HeadText(ContentsOf(inventory).Get().head, Needed(name, "The name")), text, length);
   });
 }
@@ -220,7 +220,7 @@ driverinventory_status driverinventory_text(const driverinventory* inventory, si
                                             const char** text, size_t* length) {
   return Guarded([&] {
     Give(length, 0);
-    Cleared(text, "The place for the text");
+    Cleared(text, "The output pointer for the text");
     const Contents& contents = ContentsWith(inventory, record);
     const Member& found = MemberOf(member);
     if (TypeOf(found) != MemberType::Text) RefuseType(found, "a text");
@@ -231,7 +231,7 @@ driverinventory_status driverinventory_text(const driverinventory* inventory, si
 driverinventory_status driverinventory_number(const driverinventory* inventory, size_t record, int32_t member,
                                               uint64_t* number) {
   return Guarded([&]() -> driverinventory_status {
-    Cleared(number, "The place for the number");
+    Cleared(number, "The output pointer for the number");
     const Contents& contents = ContentsWith(inventory, record);
     const Member& found = MemberOf(member);
     const MemberType type = TypeOf(found);
@@ -246,7 +246,7 @@ driverinventory_status driverinventory_number(const driverinventory* inventory, 
 driverinventory_status driverinventory_text_count(const driverinventory* inventory, size_t record, int32_t member,
                                                   size_t* count) {
   return Guarded([&]() -> driverinventory_status {
-    Cleared(count, "The place for the number");
+    Cleared(count, "The output pointer for the number");
     *count = TextsOf(inventory, record, member).size();
     return *count == 0 ? DRIVERINVENTORY_ABSENT : DRIVERINVENTORY_OK;
   });
@@ -256,7 +256,7 @@ driverinventory_status driverinventory_text_at(const driverinventory* inventory,
                                                size_t position, const char** text, size_t* length) {
   return Guarded([&]() -> driverinventory_status {
     Give(length, 0);
-    Cleared(text, "The place for the text");
+    Cleared(text, "The output pointer for the text");
     const std::vector<std::string>& texts = TextsOf(inventory, record, member);
     if (position >= texts.size()) {
       throw Failure(DRIVERINVENTORY_E_RANGE, "There is no text " + std::to_string(position) + ": there are " +
@@ -272,7 +272,7 @@ driverinventory_status driverinventory_document(const driverinventory* inventory
                                                 size_t* length) {
   return Guarded([&] {
     Give(length, 0);
-    Cleared(text, "The place for the text");
+    Cleared(text, "The output pointer for the text");
     return GiveCopy(DocumentOf(ContentsOf(inventory).Get(), document), text, length);
   });
 }
@@ -280,7 +280,7 @@ driverinventory_status driverinventory_document(const driverinventory* inventory
 driverinventory_status driverinventory_health(const driverinventory* inventory, char** text, size_t* length) {
   return Guarded([&] {
     Give(length, 0);
-    Cleared(text, "The place for the text");
+    Cleared(text, "The output pointer for the text");
     const Inventory& examined = ContentsOf(inventory).Get();
     return GiveCopy(inventory::FindingsJson(inventory::Examine(examined.records), examined), text, length);
   });
@@ -290,7 +290,7 @@ driverinventory_status driverinventory_compare(const driverinventory* before, co
                                                size_t* length) {
   return Guarded([&] {
     Give(length, 0);
-    Cleared(text, "The place for the text");
+    Cleared(text, "The output pointer for the text");
     const inventory::Comparison comparison = inventory::Compare(CopyOf(ContentsOf(before)), CopyOf(ContentsOf(after)));
     return GiveCopy(inventory::ComparisonJson(comparison, inventory::ThisMachine({})), text, length);
   });

@@ -1,6 +1,6 @@
 /// @file
-/// The driver inventory of a 64-bit Windows machine, for any language and any compiler: a flat C interface of one DLL
-/// that needs nothing beside it. Plain C99; C++ has a wrapper in driverinventory.hpp.
+/// The driver inventory of a 64-bit Windows machine, for any language and any compiler: the flat C interface of a
+/// single DLL that needs no other file. Plain C99; driverinventory.hpp wraps it for C++.
 ///
 ///     driverinventory* inventory = NULL;
 ///     if (driverinventory_collect(NULL, &inventory) != DRIVERINVENTORY_OK) return Fail(driverinventory_error());
@@ -9,32 +9,32 @@
 ///     ...
 ///     driverinventory_release(inventory);
 ///
-/// **Texts** are UTF-8 and end with a zero, which their length does not count; those of a snapshot may hold zeros of
-/// their own. Texts that the library fills into `const char**` belong to the inventory and live until it is released;
-/// those in `char**` are the caller's, who gives them to driverinventory_free().
+/// **Texts** are UTF-8 and end with a zero, which their length does not include; texts from a snapshot may contain
+/// further zeros. Texts returned through `const char**` belong to the inventory and live until it is released. Texts
+/// returned through `char**` belong to the caller, who frees them with driverinventory_free().
 ///
-/// **Errors.** Functions that can fail return a status; driverinventory_error() says in a sentence what the last
-/// failure of the calling thread was. A function that fails sets what it would have filled to null or 0. Nothing is
-/// thrown; memory that runs out is DRIVERINVENTORY_E_MEMORY. A null handle, a released one and a pointer that never
-/// was a handle are DRIVERINVENTORY_E_HANDLE.
+/// **Errors.** Functions that can fail return a status; driverinventory_error() describes the last failure of the
+/// calling thread in one sentence. A function that fails sets its output to null or 0. Nothing is thrown; if memory
+/// runs out, the status is DRIVERINVENTORY_E_MEMORY. For a null handle, a released handle and a pointer that never was
+/// a handle, it is DRIVERINVENTORY_E_HANDLE.
 ///
-/// **Threads.** Any thread may use any handle, several at once; release it when nobody uses it any more. Two threads
-/// may collect at once: the second waits, because the library behind lists one machine at a time. Snapshots are opened,
-/// compared and examined without waiting.
+/// **Threads.** Any thread may use any handle, and several threads may use one at the same time; release it only when
+/// no thread uses it any more. If two threads collect at the same time, the second waits, because the underlying
+/// library runs one listing at a time. Opening, comparing and examining snapshots never waits.
 ///
-/// **What is kept.** The first collection in a process keeps what it found of devices and of the images of services;
-/// later ones read packages, states and configurations afresh. A host that runs for long and wants everything afresh
-/// unloads the library and loads it again, which leaves nothing behind.
+/// **Caching.** The first collection in a process caches the devices and the images of services; later collections read
+/// only packages, states and configurations afresh. A long-running host that wants everything afresh unloads the
+/// library and loads it again; unloading leaves nothing behind.
 ///
 /// **Versions.** Functions and constants are only ever added. Structures begin with their size, so a program and a
-/// library of different ages understand each other.
+/// library of different versions work together.
 #ifndef DRIVERINVENTORY_H
 #define DRIVERINVENTORY_H
 
 #include <stddef.h>
 #include <stdint.h>
 
-// The library itself exports by driverinventory.def.
+// The library itself exports its functions through driverinventory.def.
 #if defined(_WIN32) && !defined(DRIVERINVENTORY_EXPORTS)
 #define DRIVERINVENTORY_API __declspec(dllimport)
 #else
@@ -46,11 +46,11 @@
 extern "C" {
 #endif
 
-/// Version of this header. driverinventory_interface_version() is at least that of the header that a program was
-/// compiled with, or the program may lack functions.
+/// Version of this header. If driverinventory_interface_version() is lower than the version of the header with which a
+/// program was compiled, the library may lack functions that the program needs.
 #define DRIVERINVENTORY_INTERFACE_VERSION 1
 
-/// A finished inventory. Never looked into.
+/// A finished inventory. The type is opaque.
 typedef struct driverinventory driverinventory;
 
 /// DRIVERINVENTORY_OK, DRIVERINVENTORY_ABSENT or DRIVERINVENTORY_E_...
@@ -62,13 +62,13 @@ enum {
   DRIVERINVENTORY_OK = 0,
   /// The record has no value of this member: it is unknown or does not apply. Not a failure.
   DRIVERINVENTORY_ABSENT = 1,
-  /// An argument is null or makes no sense.
+  /// An argument is null or invalid.
   DRIVERINVENTORY_E_ARGUMENT = 2,
-  /// Not a handle, or one that was released; not a text of the library, or one that was freed.
+  /// Not a handle, or a handle that was released; not a text of the library, or a text that was freed.
   DRIVERINVENTORY_E_HANDLE = 3,
   /// There is no such record, or no such text in the array.
   DRIVERINVENTORY_E_RANGE = 4,
-  /// There is no such member, or it is of another type.
+  /// There is no such member, or it has another type.
   DRIVERINVENTORY_E_MEMBER = 5,
   /// Memory ran out, or more inventories are open than the library can hold.
   DRIVERINVENTORY_E_MEMORY = 6,
@@ -82,7 +82,7 @@ enum {
   DRIVERINVENTORY_E_INTERNAL = 10
 };
 
-/// Kinds of records, to be combined.
+/// Kinds of records; combine them with |.
 enum {
   /// Driver services.
   DRIVERINVENTORY_SERVICES = 1,
@@ -100,43 +100,43 @@ enum {
   DRIVERINVENTORY_TEXT = 1,
   /// For driverinventory_number().
   DRIVERINVENTORY_NUMBER = 2,
-  /// For driverinventory_number(), which gives 1, or nothing.
+  /// For driverinventory_number(), which returns 1 or DRIVERINVENTORY_ABSENT.
   DRIVERINVENTORY_FLAG = 3,
   /// For driverinventory_text_count() and driverinventory_text_at().
   DRIVERINVENTORY_TEXTS = 4
 };
 
-/// Documents, the same byte for byte as those of the program driverlist.
+/// Documents, byte for byte the same as those of the program driverlist.
 enum {
-  /// That of "list --format json".
+  /// The document of "list --format json".
   DRIVERINVENTORY_JSON = 1,
-  /// That of "list --format jsonl": a line per record.
+  /// The document of "list --format jsonl": one line per record.
   DRIVERINVENTORY_JSON_LINES = 2,
-  /// That of "snapshot", which driverinventory_open() and driverinventory_read() take.
+  /// The document of "snapshot", which driverinventory_open() and driverinventory_read() read.
   DRIVERINVENTORY_SNAPSHOT = 3
 };
 
-/// Called during a collection, on the thread that collects, before each step: `what` is being read, the step `done` of
-/// `total`. 0 goes on; anything else stops, and the collection ends with DRIVERINVENTORY_E_STOPPED. It may use
-/// inventories but cannot collect, and must not throw.
+/// Called during a collection, on the collecting thread, before each step: `what` says what is about to be read; `done`
+/// of `total` is the position of the step. Return 0 to continue; anything else stops the collection, which then returns
+/// DRIVERINVENTORY_E_STOPPED. The callback may use inventories but cannot start a collection, and must not throw.
 typedef int32_t (*driverinventory_progress)(void* context, const char* what, uint64_t done, uint64_t total);
 
-/// What to collect, and how. Set everything to zero and `size` to the size of the structure; what is zero is not asked
-/// for. A library that is older than the program refuses what it does not know (DRIVERINVENTORY_E_UNSUPPORTED), unless
-/// that is zero.
+/// What to collect, and how. Set everything to zero and `size` to the size of the structure; a field that is zero has
+/// no effect. A library older than the program refuses a field that it does not know (DRIVERINVENTORY_E_UNSUPPORTED),
+/// unless the field is zero.
 typedef struct driverinventory_options {
   /// sizeof(driverinventory_options).
   uint32_t size;
   /// Kinds of records, such as DRIVERINVENTORY_SERVICES | DRIVERINVENTORY_DEVICES; 0 for all.
   uint32_t kinds;
-  /// Not 0 to read the image of each service, for its hashes and its signature.
+  /// If not 0, the image of each service is read, for its hashes and its signature.
   uint32_t verify;
-  /// How many `known_lists` there are.
+  /// The number of `known_lists`.
   uint32_t known_list_count;
-  /// Paths of lists of known drivers, in which images are looked up while they are verified. Without any, that of
-  /// known-drivers.json beside the program, where there is one.
+  /// Paths of lists of known drivers, in which images are looked up when they are verified. Without any,
+  /// known-drivers.json next to the program is used, if it exists.
   const char* const* known_lists;
-  /// Identifies the machine, in place of its GUID, which cloned machines share; null for the GUID.
+  /// Identifies the machine instead of its GUID, which cloned machines share; null for the GUID.
   const char* host_id;
   /// Null for no progress.
   driverinventory_progress progress;
@@ -144,58 +144,59 @@ typedef struct driverinventory_options {
   void* context;
 } driverinventory_options;
 
-/// Collects the inventory of this machine into `*inventory`. `options` may be null. What cannot be read is left out.
+/// Collects the inventory of this machine into `*inventory`. `options` may be null. Anything that cannot be read is
+/// left out.
 DRIVERINVENTORY_API driverinventory_status driverinventory_collect(const driverinventory_options* options,
                                                                    driverinventory** inventory);
 
-/// Opens the snapshot in the file at `path`. The inventory of a snapshot of schema 1 has the members that schema 1 has.
+/// Opens the snapshot in the file at `path`. The inventory of a snapshot of schema 1 has only the members of schema 1.
 DRIVERINVENTORY_API driverinventory_status driverinventory_open(const char* path, driverinventory** inventory);
 
 /// Reads the snapshot in the `length` bytes at `text`, as driverinventory_open() does.
 DRIVERINVENTORY_API driverinventory_status driverinventory_read(const char* text, size_t length,
                                                                 driverinventory** inventory);
 
-/// Lets go of an inventory and of all texts in it. Null is nothing to release.
+/// Releases an inventory and all texts in it. Does nothing for null.
 DRIVERINVENTORY_API driverinventory_status driverinventory_release(driverinventory* inventory);
 
-/// How many records there are: services, devices, packages, chipset packages.
+/// The number of records: services, devices, packages, chipset packages.
 DRIVERINVENTORY_API driverinventory_status driverinventory_count(const driverinventory* inventory, size_t* count);
 
-/// What is known of the machine and the run: `name` is "tool_version", "host", "host_id", "windows" or "time".
-/// `length` may be null.
+/// A fact about the machine and the run: `name` is "tool_version", "host", "host_id", "windows" or "time". `length` may
+/// be null.
 DRIVERINVENTORY_API driverinventory_status driverinventory_head(const driverinventory* inventory, const char* name,
                                                                 const char** text, size_t* length);
 
-/// How many members records have; each is a number from 0, the same as long as the library is loaded.
+/// The number of members. Members are numbered from 0; the numbers stay the same while the library is loaded.
 DRIVERINVENTORY_API int32_t driverinventory_member_count(void);
 
-/// Name of a member, as in documents; null for a number that is no member.
+/// Name of a member, as in documents; null if the number is not that of a member.
 DRIVERINVENTORY_API const char* driverinventory_member_name(int32_t member);
 
-/// Type of a member, such as DRIVERINVENTORY_TEXT; 0 for a number that is no member.
+/// Type of a member, such as DRIVERINVENTORY_TEXT; 0 if the number is not that of a member.
 DRIVERINVENTORY_API int32_t driverinventory_member_type(int32_t member);
 
-/// Number of the member called `name`, such as "version"; -1 when there is none.
+/// Number of the member called `name`, such as "version"; -1 if there is no such member.
 DRIVERINVENTORY_API int32_t driverinventory_find_member(const char* name);
 
-/// The text of a record. `length` may be null.
+/// A text member of a record. `length` may be null.
 DRIVERINVENTORY_API driverinventory_status driverinventory_text(const driverinventory* inventory, size_t record,
                                                                 int32_t member, const char** text, size_t* length);
 
-/// The number or flag of a record.
+/// A number or flag member of a record.
 DRIVERINVENTORY_API driverinventory_status driverinventory_number(const driverinventory* inventory, size_t record,
                                                                   int32_t member, uint64_t* number);
 
-/// How many texts the array of a record holds.
+/// The number of texts in an array member of a record.
 DRIVERINVENTORY_API driverinventory_status driverinventory_text_count(const driverinventory* inventory, size_t record,
                                                                       int32_t member, size_t* count);
 
-/// One text, from 0, of the array of a record. `length` may be null.
+/// One text in an array member of a record; `position` counts from 0. `length` may be null.
 DRIVERINVENTORY_API driverinventory_status driverinventory_text_at(const driverinventory* inventory, size_t record,
                                                                    int32_t member, size_t position, const char** text,
                                                                    size_t* length);
 
-/// The whole inventory as one of DRIVERINVENTORY_JSON, ... `length` may be null.
+/// The whole inventory as a document, such as DRIVERINVENTORY_JSON. `length` may be null.
 DRIVERINVENTORY_API driverinventory_status driverinventory_document(const driverinventory* inventory, int32_t document,
                                                                     char** text, size_t* length);
 
@@ -203,23 +204,23 @@ DRIVERINVENTORY_API driverinventory_status driverinventory_document(const driver
 DRIVERINVENTORY_API driverinventory_status driverinventory_health(const driverinventory* inventory, char** text,
                                                                   size_t* length);
 
-/// What differs between two inventories of a machine, as JSON: the document of "diff --format json". `length` may be
+/// The differences between two inventories of a machine, as JSON: the document of "diff --format json". `length` may be
 /// null.
 DRIVERINVENTORY_API driverinventory_status driverinventory_compare(const driverinventory* before,
                                                                    const driverinventory* after, char** text,
                                                                    size_t* length);
 
-/// Frees a text that the library filled into a `char**`. Null is nothing to free.
+/// Frees a text that the library returned through a `char**`. Does nothing for null.
 DRIVERINVENTORY_API driverinventory_status driverinventory_free(char* text);
 
-/// What the last failure of this thread was, in a sentence; empty before the first one. Valid until the next failure of
+/// The last failure of this thread, in one sentence; empty before the first failure. Valid until the next failure of
 /// the thread.
 DRIVERINVENTORY_API const char* driverinventory_error(void);
 
-/// DRIVERINVENTORY_INTERFACE_VERSION of the library.
+/// The DRIVERINVENTORY_INTERFACE_VERSION with which the library was built.
 DRIVERINVENTORY_API uint32_t driverinventory_interface_version(void);
 
-/// Version of the library, such as "1.2.3": the "tool_version" of what it collects.
+/// Version of the library, such as "1.2.3"; inventories that it collects have it as "tool_version".
 DRIVERINVENTORY_API const char* driverinventory_library_version(void);
 
 #ifdef __cplusplus

@@ -1,6 +1,6 @@
 /// @file
-/// driverinventory.h for C++17: handles with owners, records to iterate over, texts as std::string_view, failures as
-/// exceptions. Header only, so it fits any compiler and any run-time library.
+/// A C++17 wrapper of driverinventory.h: owned handles, records to iterate over, texts as std::string_view, failures as
+/// exceptions. It is header-only, so it works with any compiler and any run-time library.
 ///
 ///     const auto inventory = Orvane::DriverInventory::Collect();
 ///     for (const Orvane::DriverRecord record : inventory) std::cout << record.Text("name") << '\n';
@@ -22,7 +22,7 @@
 
 namespace Orvane {
 
-/// A call that failed. what() is the sentence.
+/// A call that failed. what() is the sentence of driverinventory_error().
 class DriverInventoryError : public std::runtime_error {
  public:
   DriverInventoryError(driverinventory_status status, const std::string& sentence)
@@ -36,14 +36,14 @@ class DriverInventoryError : public std::runtime_error {
 
 namespace detail {
 
-/// Whether there is a value. Throws what is neither that nor DRIVERINVENTORY_ABSENT.
+/// True for DRIVERINVENTORY_OK, false for DRIVERINVENTORY_ABSENT. Throws for any other status.
 inline bool HasValue(driverinventory_status status) {
   if (status == DRIVERINVENTORY_OK) return true;
   if (status == DRIVERINVENTORY_ABSENT) return false;
   throw DriverInventoryError(status, driverinventory_error());
 }
 
-/// A text of the library, as a text of C++.
+/// A text of the library as a std::string.
 template <typename Fill>
 std::string Document(const Fill& fill) {
   char* text = nullptr;
@@ -58,7 +58,7 @@ std::string Document(const Fill& fill) {
 
 }  // namespace detail
 
-/// A member of records. Make it once for many records, or pass its name.
+/// A member of records. Create it once for many records, or pass its name.
 class DriverMember {
  public:
   /// Throws if no member is called `name`.
@@ -73,13 +73,13 @@ class DriverMember {
   int32_t m_number;
 };
 
-/// One service, device, package or chipset package; of use while its inventory lives. Functions throw
+/// One service, device, package or chipset package; valid while its inventory lives. The functions throw
 /// DriverInventoryError for a member of another type.
 class DriverRecord {
  public:
   DriverRecord(const driverinventory* inventory, std::size_t index) : m_inventory(inventory), m_index(index) {}
 
-  /// Empty when it is unknown or does not apply.
+  /// Empty if it is unknown or does not apply.
   std::string_view Text(DriverMember member) const {
     const char* text = nullptr;
     std::size_t length = 0;
@@ -116,7 +116,7 @@ struct DriverInventoryOptions {
   bool verify = false;
   std::vector<std::string> knownLists;
   std::string hostId;
-  /// False stops. What it throws ends the collection and reaches the caller.
+  /// Return false to stop. An exception that it throws ends the collection and reaches the caller.
   std::function<bool(std::string_view what, std::uint64_t done, std::uint64_t total)> progress;
 };
 
@@ -167,7 +167,7 @@ class DriverInventory {
   }
   ~DriverInventory() { driverinventory_release(m_inventory); }
 
-  /// Goes from record to record.
+  /// Iterates over the records.
   class Iterator {
    public:
     using iterator_category = std::input_iterator_tag;
@@ -201,7 +201,7 @@ class DriverInventory {
   Iterator end() const { return Iterator(m_inventory, m_count); }
   DriverRecord operator[](std::size_t index) const { return DriverRecord(m_inventory, index); }
 
-  /// "tool_version", "host", "host_id", "windows" or "time"; empty when it is unknown.
+  /// `name` is "tool_version", "host", "host_id", "windows" or "time". Empty if it is unknown.
   std::string_view Head(const char* name) const {
     const char* text = nullptr;
     std::size_t length = 0;
@@ -219,7 +219,7 @@ class DriverInventory {
         [this](char** text, std::size_t* length) { return driverinventory_health(m_inventory, text, length); });
   }
 
-  /// What differs from `before`, as JSON.
+  /// The differences from `before`, as JSON.
   std::string ComparedWith(const DriverInventory& before) const {
     return detail::Document([&](char** text, std::size_t* length) {
       return driverinventory_compare(before.m_inventory, m_inventory, text, length);

@@ -95,7 +95,7 @@ driverinventory_status HandleException() noexcept {
     KeepSentence(exception.what());
     return DRIVERINVENTORY_E_INTERNAL;
   } catch (...) {
-    KeepSentence("Something went wrong that has no name.");
+    KeepSentence("An unknown error occurred.");
     return DRIVERINVENTORY_E_INTERNAL;
   }
 }

@@ -10,7 +10,7 @@
 
 namespace flat {
 
-/// Ends a call with a status. what() is the sentence.
+/// Thrown to end a call with a status. what() is the sentence.
 struct Failure : std::runtime_error {
   Failure(driverinventory_status itsStatus, const std::string& sentence)
       : std::runtime_error(sentence), status(itsStatus) {}
@@ -20,13 +20,13 @@ struct Failure : std::runtime_error {
 /// Keeps a copy of `sentence` for the thread; if there is no memory for it, a sentence that says so.
 void KeepSentence(const char* sentence) noexcept;
 
-/// What was kept last for the thread; empty for nothing.
+/// The sentence that was kept last for the thread; empty if there is none.
 const char* KeptSentence() noexcept;
 
-/// Keeps the sentence of the exception that is being handled, and says what status it is.
+/// Keeps the sentence of the exception that is being handled, and returns its status.
 driverinventory_status HandleException() noexcept;
 
-/// Calls `function`, which gives a status or throws. Nothing leaves it.
+/// Calls `function`, which returns a status or throws. No exception leaves this function.
 template <typename Function>
 driverinventory_status Guarded(const Function& function) noexcept {
   try {

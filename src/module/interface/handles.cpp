@@ -15,13 +15,13 @@ namespace {
 constexpr std::uintptr_t Mark = std::uintptr_t{0xD11B} << 48;
 
 struct Slot {
-  /// The handle that is open here; 0 for none.
+  /// The handle that is open here; 0 if no handle is.
   std::atomic<std::uintptr_t> handle{0};
   std::unique_ptr<const Contents> contents;
 };
 
 std::array<Slot, MostHandles> slots;
-/// Counts all handles, so that none is given out twice.
+/// Counts all handles, so that no handle is used twice.
 std::uintptr_t given = 0;
 SRWLOCK lock = SRWLOCK_INIT;
 
@@ -29,7 +29,7 @@ Slot& SlotOf(std::uintptr_t handle) { return slots[handle % MostHandles]; }
 
 [[noreturn]] void Refuse(const driverinventory* handle) {
   throw Failure(DRIVERINVENTORY_E_HANDLE,
-                handle == nullptr ? "The inventory is null." : "That is no inventory, or it was released.");
+                handle == nullptr ? "The inventory is null." : "That is not an inventory, or it was released.");
 }
 
 }  // namespace

@@ -1,6 +1,6 @@
 /// @file
-/// The handles that hosts hold. A handle is a number, no address, so that one that was released, or never was one, is
-/// found out without looking into memory.
+/// The handles that hosts hold. A handle is a number and not an address, so a handle that is invalid or was released is
+/// recognised without touching memory.
 #pragma once
 
 #include <memory>
@@ -13,13 +13,13 @@ namespace flat {
 /// How many inventories can be open at once.
 constexpr std::size_t MostHandles = 4096;
 
-/// A new handle of `contents`. Throws Failure if too many are open.
+/// A new handle for `contents`. Throws Failure if too many are open.
 driverinventory* NewHandle(std::unique_ptr<const Contents> contents);
 
-/// What `handle` refers to, without waiting. Throws Failure for what is no handle.
+/// The object behind `handle`, without waiting. Throws Failure if `handle` is not a handle.
 const Contents& ContentsOf(const driverinventory* handle);
 
-/// Ends `handle` and what it refers to. Throws Failure for what is no handle.
+/// Releases `handle` and the object behind it. Throws Failure if `handle` is not a handle.
 void Release(const driverinventory* handle);
 
 }  // namespace flat

@@ -52,7 +52,7 @@ std::vector<std::string> KnownLists(const driverinventory_options& options) {
   if (options.known_list_count == 0) return {};
   if (options.known_lists == nullptr) Refuse("The lists of known drivers are null.");
   if (options.known_list_count > MostLists) Refuse("There are too many lists of known drivers.");
-  if (options.verify == 0) Refuse("Lists of known drivers are of use only when images are verified.");
+  if (options.verify == 0) Refuse("Lists of known drivers need verification: set verify.");
   std::vector<std::string> paths;
   for (std::uint32_t i = 0; i < options.known_list_count; ++i) {
     if (options.known_lists[i] == nullptr) Refuse("A list of known drivers is null.");
@@ -67,7 +67,7 @@ Wanted ReadOptions(const driverinventory_options* options) {
   const driverinventory_options known = KnownPart(options);
   if ((known.kinds & ~AllKinds) != 0) {
     throw Failure(DRIVERINVENTORY_E_UNSUPPORTED,
-                  "The options ask for a kind of records that this version does not know.");
+                  "The options ask for a kind of record that this version does not know.");
   }
   Wanted wanted;
   wanted.verify = known.verify != 0;

@@ -1,11 +1,11 @@
 /// @file
 /// The narrow calls of Windows, in UTF-8 whatever the code page of the process.
 ///
-/// The listing library and the device inventory read through the narrow calls, which speak the code page of the
-/// process: a program of ours says in its manifest that this is UTF-8, but driverinventory.dll comes into processes of
-/// others, and a driver whose name is outside of their code page would not even be found. Included into those sources
-/// in front of all else, this puts a call in UTF-16 in the place of each narrow one that carries text. Each behaves as
-/// the narrow one does where the code page is UTF-8.
+/// The listing library and the device inventory use the narrow calls, which use the code page of the process. The
+/// manifest of our own program makes that UTF-8, but driverinventory.dll is loaded into foreign processes, where a
+/// driver whose name is outside the code page would not even be found. This header is included before everything else
+/// in those sources, and replaces each narrow call that carries text with a UTF-16 call. Each replacement behaves like
+/// the narrow call does when the code page is UTF-8.
 #pragma once
 
 #include <windows.h>
@@ -20,23 +20,23 @@ UINT GetSystemDirectoryUtf8(char* buffer, UINT size);
 UINT GetWindowsDirectoryUtf8(char* buffer, UINT size);
 UINT GetSystemWindowsDirectoryUtf8(char* buffer, UINT size);
 DWORD ExpandEnvironmentStringsUtf8(const char* source, char* buffer, DWORD size);
-/// The name in `data` is cut where it does not fit.
+/// The name in `data` is cut if it does not fit.
 HANDLE FindFirstFileUtf8(const char* path, WIN32_FIND_DATAA* data);
 
 LSTATUS RegOpenKeyExUtf8(HKEY key, const char* subKey, DWORD options, REGSAM access, HKEY* opened);
 /// `buffer` and `size` are not null.
 LSTATUS RegQueryValueExUtf8(HKEY key, const char* name, DWORD* reserved, DWORD* type, BYTE* buffer, DWORD* size);
 
-/// `size` may be too much when `services` is null.
+/// `size` may be too large if `services` is null.
 BOOL EnumServicesStatusUtf8(SC_HANDLE manager, DWORD type, DWORD state, ENUM_SERVICE_STATUSA* services,
                             DWORD bufferSize, DWORD* needed, DWORD* count, DWORD* resume);
 SC_HANDLE OpenServiceUtf8(SC_HANDLE manager, const char* name, DWORD access);
-/// Of the texts, only the image path is there.
+/// Of the texts, only the image path is filled in.
 BOOL QueryServiceConfigUtf8(SC_HANDLE service, QUERY_SERVICE_CONFIGA* config, DWORD bufferSize, DWORD* needed);
 
 DWORD GetFileVersionInfoSizeUtf8(const char* path, DWORD* handle);
 BOOL GetFileVersionInfoUtf8(const char* path, DWORD handle, DWORD size, void* block);
-/// A text lives until the next one is asked for.
+/// A text lives until the next call.
 BOOL VerQueryValueUtf8(const void* block, const char* path, void** value, UINT* length);
 
 BOOL SetupDiGetDeviceInstanceIdUtf8(HDEVINFO set, SP_DEVINFO_DATA* device, char* buffer, DWORD size, DWORD* needed);

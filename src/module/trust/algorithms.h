@@ -1,5 +1,5 @@
 /// @file
-/// The digest algorithms of signatures, and the object identifiers that name them. Needs nothing of the platform.
+/// The digest algorithms of signatures, and the object identifiers that name them. Uses no platform API.
 #pragma once
 
 #include <cstddef>
@@ -10,7 +10,7 @@ namespace trust {
 
 enum class DigestAlgorithm { Md5, Sha1, Sha256, Sha384, Sha512 };
 
-/// Bytes of its digests.
+/// The size of its digests in bytes.
 std::size_t DigestSize(DigestAlgorithm algorithm);
 
 /// "md5", "sha1", "sha256", "sha384", "sha512".

@@ -1,5 +1,5 @@
 /// @file
-/// Bytes that are kept elsewhere, and their hexadecimal text.
+/// A view of bytes that are kept elsewhere, and their hexadecimal text.
 #pragma once
 
 #include <string>

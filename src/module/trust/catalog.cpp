@@ -27,7 +27,7 @@ std::string FromHex(const std::string& text) {
   return bytes;
 }
 
-/// The hash by which a catalog of that algorithm would list the file; empty when it is not known.
+/// The hash by which a catalog of that algorithm would list the file; empty if it is not known.
 std::string MemberHashOf(const std::string& path, const Hashes& hashes, DigestAlgorithm algorithm) {
   const bool isImage = !hashes.imageSha256.empty();
   if (algorithm == DigestAlgorithm::Sha256) return isImage ? hashes.imageSha256 : hashes.fileSha256;

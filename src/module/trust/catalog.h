@@ -1,5 +1,5 @@
 /// @file
-/// Catalogs: files that hold the signature of other files, by their hashes. Most drivers of a machine are signed so.
+/// Catalogs: files that sign other files by listing their hashes. Most drivers of a machine are signed this way.
 #pragma once
 
 #include <memory>
@@ -10,10 +10,10 @@ namespace trust {
 struct Hashes;
 struct Signature;
 
-/// The catalogs that are installed on this machine. Make one for all the files of a run: where the platform cannot look
-/// up SHA-256 hashes, the first question reads every catalog of CatRoot, and later ones use what was read.
+/// The catalogs that are installed on this machine. Use one object for all files of a run: if the platform cannot look
+/// up SHA-256 hashes, the first call reads every catalog in CatRoot, and later calls use the result.
 ///
-/// May be asked from several threads.
+/// May be used by several threads.
 class Catalogs {
  public:
   Catalogs();
@@ -21,9 +21,9 @@ class Catalogs {
   Catalogs& operator=(const Catalogs&) = delete;
   ~Catalogs();
 
-  /// The signature of the file at `path` (full path, UTF-8) by a catalog that lists it: by the hash of its image, or by
-  /// that of the file when it is no image. Of several catalogs one that is valid, or else the first. `Unsigned` when no
-  /// catalog lists it.
+  /// The signature of the file at `path` (full path, UTF-8) in a catalog that lists it by the hash of its image, or by
+  /// the hash of the file if it is not an image. Of several catalogs, a valid one, otherwise the first. `Unsigned` if
+  /// no catalog lists it.
   Signature Verify(const std::string& path, const Hashes& hashes) const;
 
  private:

@@ -1,5 +1,5 @@
 /// @file
-/// A catalog as a file: whom it names, and what it lists.
+/// A catalog as a file: its signer and the digests that it lists.
 #pragma once
 
 #include <memory>
@@ -12,21 +12,21 @@
 
 namespace trust {
 
-/// Refers to its own bytes, so it stays where it is.
+/// Refers to its own bytes, so it cannot be moved.
 class CatalogFile {
  public:
-  /// `path` is a full path, UTF-8. A file that cannot be read, or is no catalog, lists nothing.
+  /// `path` is a full path, UTF-8. A file that cannot be read or is not a catalog lists nothing.
   explicit CatalogFile(const std::string& path);
   CatalogFile(const CatalogFile&) = delete;
   CatalogFile& operator=(const CatalogFile&) = delete;
 
   /// The whole file.
   Bytes Encoded() const { return m_bytes; }
-  /// Nothing when it is no catalog.
+  /// Nullopt if it is not a catalog.
   const std::optional<SignedData>& Data() const { return m_data; }
   /// The digests that it lists, as bytes.
   const std::set<Bytes>& Digests() const { return m_digests; }
-  /// The digest of the list against the signed one.
+  /// Compares the digest of the list with the signed digest.
   DigestCheck Content() const { return m_content; }
 
  private:

@@ -1,5 +1,5 @@
 /// @file
-/// The two ways to ask which catalogs list a file, and what the platform says of them.
+/// The two ways to find the catalogs that list a file, with the verdict of the platform on each.
 #pragma once
 
 #include <memory>
@@ -24,20 +24,20 @@ struct CatalogVerdict {
   PlatformVerdict verdict;
 };
 
-/// May be asked from several threads.
+/// May be used by several threads.
 class CatalogStore {
  public:
   virtual ~CatalogStore() = default;
-  /// What the platform says of each catalog that lists the file at `path` (full path, UTF-8) by `hash`.
+  /// The verdict of the platform on each catalog that lists the file at `path` (full path, UTF-8) by `hash`.
   virtual std::vector<CatalogVerdict> Ask(const std::string& path, const MemberHash& hash) = 0;
 };
 
-/// The platform's catalog database. Null where the platform has none for SHA-256 hashes: before Windows 8, and where
+/// The platform's catalog database. Null if the platform has no database for SHA-256 hashes: before Windows 8, and if
 /// its function is a stub.
 std::unique_ptr<CatalogStore> OpenPlatformCatalogs();
 
-/// An index of our own, of every catalog below CatRoot; read now. It never asks the platform by hash: one that has no
-/// SHA-256 there may end the process at a catalog of SHA-256.
+/// Our own index of every catalog below CatRoot, built by this call. It never looks a hash up with the platform: a
+/// platform without SHA-256 support may end the process when it meets a SHA-256 catalog.
 std::unique_ptr<CatalogStore> IndexCatRoot();
 
 }  // namespace trust

@@ -74,20 +74,20 @@ class CompactReader final : public JsonPaths {
   KnownContent Take() {
     if (!IsCompactList()) throw InputProblem(NotAList);
     if (m_version != FormatVersion) {
-      throw InputProblem("is a list in the form " + std::to_string(m_version) + ", and this driverlist reads " +
-                         std::to_string(FormatVersion));
+      throw InputProblem("is a list of format version " + std::to_string(m_version) +
+                         ", but this driverlist reads version " + std::to_string(FormatVersion));
     }
     KnownContent content;
     content.entries = m_entries.Take();
     std::vector<std::size_t> counts(m_lists.size());
     for (const KnownEntry& entry : content.entries) {
-      if (entry.list >= counts.size()) throw DamagedJson("is damaged: " + entry.id + " is of no list");
+      if (entry.list >= counts.size()) throw DamagedJson("is damaged: " + entry.id + " belongs to no list");
       ++counts[entry.list];
     }
     for (std::size_t i = 0; i < counts.size(); ++i) {
       if (counts[i] == m_lists[i].entries) continue;
-      throw DamagedJson("is damaged: " + m_lists[i].name + " has " + std::to_string(counts[i]) + " entries, and not " +
-                        std::to_string(m_lists[i].entries));
+      throw DamagedJson("is damaged: " + m_lists[i].name + " has " + std::to_string(counts[i]) +
+                        " entries instead of " + std::to_string(m_lists[i].entries));
     }
     content.lists = std::move(m_lists);
     return content;
@@ -97,7 +97,7 @@ class CompactReader final : public JsonPaths {
   void OnBegin(std::string_view path, JsonType type) override {
     if (type != JsonType::Object) return;
     if (path == "lists/") {
-      if (m_lists.size() == MostLists) throw InputProblem("holds more than 1,000 lists");
+      if (m_lists.size() == MostLists) throw InputProblem("contains more than 1,000 lists");
       m_lists.emplace_back();
     }
     if (path == "entries/") m_entries.Add();
@@ -150,7 +150,7 @@ class CompactReader final : public JsonPaths {
   void AddHash(const JsonScalar& value) {
     const std::size_t before = m_entries.Hashes();
     m_entries.AddHash(value.text);
-    if (m_entries.Hashes() == before) Refuse("has a hash that is none");
+    if (m_entries.Hashes() == before) Refuse("has an invalid hash");
   }
 
   void SetName(std::string_view path, const JsonScalar& value, NameRule& rule) const {
@@ -164,7 +164,7 @@ class CompactReader final : public JsonPaths {
 
   FileVersion Version(const JsonScalar& value) const {
     const std::optional<FileVersion> version = ParseFileVersion(value.text);
-    if (!version) Refuse("has a version that is none");
+    if (!version) Refuse("has an invalid version");
     return *version;
   }
 

@@ -1,8 +1,8 @@
 /// @file
-/// A reader of DER, the encoding of certificates and signatures. Needs nothing of the platform.
+/// A reader of DER, the encoding of certificates and signatures. Uses no platform API.
 ///
-/// It stays within its bytes whatever they say: an element that is malformed, or longer than what is left, ends the
-/// reading as the end does. Lengths are definite and of at most four bytes, tags of one byte; signatures of images and
+/// It never reads outside its bytes: an element that is malformed or too long ends the reading like the end of the
+/// bytes. Only definite lengths of at most four bytes and tags of one byte are supported; signatures of images and
 /// catalogs have no others.
 #pragma once
 
@@ -23,7 +23,7 @@ enum DerTag : unsigned char {
   DerGeneralizedTime = 0x18,
   DerSequence = 0x30,
   DerSet = 0x31,
-  /// [0], [1], [3] of the context: constructed.
+  /// The context-specific tags [0], [1], [3], constructed.
   DerContext0 = 0xA0,
   DerContext1 = 0xA1,
   DerContext3 = 0xA3,
@@ -32,7 +32,7 @@ enum DerTag : unsigned char {
 struct DerElement {
   unsigned char tag = 0;
   Bytes content;
-  /// With tag and length.
+  /// Including tag and length.
   Bytes whole;
 };
 
@@ -40,9 +40,9 @@ class DerReader {
  public:
   explicit DerReader(Bytes bytes) : m_rest(bytes) {}
 
-  /// The next element; nothing at the end, and for anything malformed.
+  /// The next element; nullopt at the end and for a malformed element.
   std::optional<DerElement> Next();
-  /// The next element if it has this tag; otherwise nothing, and the reader stays where it is.
+  /// The next element if it has this tag; otherwise nullopt, and the reader stays where it is.
   std::optional<DerElement> Next(unsigned char tag);
   /// The content of the next element if it has this tag.
   std::optional<Bytes> Content(unsigned char tag);
@@ -51,16 +51,16 @@ class DerReader {
   Bytes m_rest;
 };
 
-/// "1.2.840.113549.1.7.2" of the content of an object identifier; empty for one that is malformed.
+/// The text of an object identifier from its content, such as "1.2.840.113549.1.7.2"; empty if it is malformed.
 std::string OidText(Bytes content);
 
-/// UTC, ISO 8601 ("2024-05-17T08:30:00Z"), of a UTCTime or GeneralizedTime in UTC; empty for anything else.
+/// The time in a UTCTime or GeneralizedTime in UTC, as ISO 8601 ("2024-05-17T08:30:00Z"); empty for anything else.
 std::string TimeText(const DerElement& time);
 
-/// UTF-8 of a string of any type that names use. What is not text, and control characters, become U+FFFD.
+/// A string of any type that names use, in UTF-8. Invalid text and control characters become U+FFFD.
 std::string StringText(const DerElement& string);
 
-/// UTF-8 of characters of two bytes, the high byte first.
+/// Two-byte characters, the high byte first, in UTF-8.
 std::string Utf16BigEndianText(Bytes bytes);
 
 }  // namespace trust

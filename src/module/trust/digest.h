@@ -1,5 +1,5 @@
 /// @file
-/// Digests, by the platform's own means.
+/// Digests, computed by the platform.
 #pragma once
 
 #include <memory>
@@ -20,7 +20,7 @@ class Digest {
   ~Digest();
 
   void Add(Bytes bytes);
-  /// The digest as bytes, once; empty where the platform failed.
+  /// The digest as bytes; empty if the platform failed. Call it only once.
   std::string Finish();
 
  private:
@@ -28,7 +28,7 @@ class Digest {
   std::unique_ptr<Hash> m_hash;
 };
 
-/// The digest of `bytes`, as bytes; empty where the platform failed.
+/// The digest of `bytes`, as bytes; empty if the platform failed.
 std::string DigestOf(DigestAlgorithm algorithm, Bytes bytes);
 
 }  // namespace trust

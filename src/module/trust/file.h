@@ -16,14 +16,15 @@ class File {
   /// `path` is a full path, UTF-8. Error() says whether that worked.
   explicit File(const std::string& path);
 
-  /// The Windows error of what went wrong first; 0 when nothing did.
+  /// The Windows error of the first failure; 0 if there was no failure.
   std::uint32_t Error() const { return m_error; }
   std::uint64_t Size() const { return m_size; }
 
-  /// Reads `size` bytes at `offset`; false when the file has not all of them.
+  /// Reads `size` bytes at `offset`; false if the file does not have all of them.
   bool ReadAt(std::uint64_t offset, void* bytes, std::size_t size);
 
-  /// Calls `take(Bytes)` for the whole file, in blocks. False, with an error, when not all of it could be read.
+  /// Calls `take(Bytes)` for the whole file, in blocks. Returns false and sets the error if not all of it could be
+  /// read.
   template <typename Take>
   bool ReadAll(Take take) {
     std::string block(BlockSize, '\0');
@@ -40,9 +41,9 @@ class File {
  private:
   static constexpr std::size_t BlockSize = std::size_t{1} << 18;
 
-  /// The bytes from `offset` on that fit into `block`; none, with an error, where they cannot be read.
+  /// The bytes from `offset` on that fit into `block`; empty, with the error set, if they cannot be read.
   Bytes ReadBlock(std::uint64_t offset, std::string& block);
-  /// How many bytes were read.
+  /// The number of bytes read.
   std::size_t Read(std::uint64_t offset, void* bytes, std::size_t size);
 
   Orvane::FileHandle m_handle;
@@ -50,7 +51,7 @@ class File {
   std::uint32_t m_error = 0;
 };
 
-/// The whole file at `path`, or nothing where it cannot be read or has more than `most` bytes.
+/// The whole file at `path`; empty if it cannot be read or has more than `most` bytes.
 std::string ReadSmallFile(const std::string& path, std::size_t most);
 
 }  // namespace trust

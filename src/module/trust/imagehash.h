@@ -11,27 +11,27 @@
 
 namespace trust {
 
-/// What is computed besides both SHA-256 hashes.
+/// The hashes to compute in addition to both SHA-256 hashes.
 struct Wanted {
   bool fileSha1 = false;
   bool fileMd5 = false;
-  /// Also by signatures and catalogs of the old kind: Verify() reads the file again where it misses this one.
+  /// Old signatures and catalogs also use it: if it is missing, Verify() reads the file again.
   bool imageSha1 = false;
   bool imageMd5 = false;
 };
 
-/// Hexadecimal, in lower case. Empty: not wanted, or not known.
+/// Hexadecimal, in lower case; empty if not requested or not known.
 struct Hashes {
   std::string fileSha256;
   std::string fileSha1;
   std::string fileMd5;
-  /// Those of the image are empty for a file that is no PE image.
+  /// The hashes of the image are empty for a file that is not a PE image.
   std::string imageSha256;
   std::string imageSha1;
   std::string imageMd5;
-  /// Bytes of the file.
+  /// Size of the file in bytes.
   std::uint64_t size = 0;
-  /// Why the file cannot be read: the Windows error and its sentence. Then there are no hashes.
+  /// Why the file cannot be read: the Windows error and its message. Then there are no hashes.
   std::uint32_t errorCode = 0;
   std::string error;
 };

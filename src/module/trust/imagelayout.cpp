@@ -52,7 +52,7 @@ std::optional<ImageLayout> ReadImageLayout(std::uint64_t fileSize, const ReadAt&
   if (!offset || !size) return std::nullopt;
   layout.holes[1] = {entry, entry + 8};
   layout.namesCertificates = *offset != 0 || *size != 0;
-  // A table among the headers or behind the file is no table: everything there is covered.
+  // A table inside the headers or after the end of the file does not count: all bytes are covered then.
   if (*size == 0 || *offset < layout.holes[1].end || *offset >= fileSize) return layout;
   layout.holes[2] = {*offset, std::min<std::uint64_t>(std::uint64_t{*offset} + *size, fileSize)};
   layout.padding = 0;

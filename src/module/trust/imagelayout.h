@@ -1,8 +1,8 @@
 /// @file
-/// Which bytes of a file the hash of its image covers. Needs nothing of the platform.
+/// Which bytes of a file the hash of its image covers. Uses no platform API.
 ///
 /// Signing must not change the hash: checksum, certificate directory entry and certificate table are left out, and an
-/// image without a table counts as padded to a multiple of 8 bytes, since a signer pads before the table.
+/// image without a table counts as padded to a multiple of 8 bytes, because a signer adds padding before the table.
 #pragma once
 
 #include <algorithm>
@@ -16,7 +16,7 @@
 
 namespace trust {
 
-/// Reads `size` bytes at `offset` of a file into `bytes`; false when the file has not all of them.
+/// Reads `size` bytes at `offset` of a file into `bytes`; false if the file does not have all of them.
 using ReadAt = std::function<bool(std::uint64_t offset, void* bytes, std::size_t size)>;
 
 /// The bytes [begin, end) of a file.
@@ -28,18 +28,18 @@ struct FileRange {
 };
 
 struct ImageLayout {
-  /// What is left out, in the order of the file; an empty one where there is no such part.
+  /// The parts that are left out, in the order of the file; a part that does not exist is empty.
   std::array<FileRange, 3> holes;
-  /// Zero bytes that follow the last one.
+  /// The number of zero bytes that count after the last byte.
   std::size_t padding = 0;
-  /// Whether the certificate directory names a table, wherever that is.
+  /// Whether the certificate directory names a table, even one outside the file.
   bool namesCertificates = false;
 
-  /// The certificate table as far as it is in the file.
+  /// The part of the certificate table that is inside the file.
   const FileRange& Certificates() const { return holes[2]; }
 };
 
-/// Nothing for a file that is no PE image, or ends before its directories.
+/// Nullopt for a file that is not a PE image or ends before its directories.
 std::optional<ImageLayout> ReadImageLayout(std::uint64_t fileSize, const ReadAt& read);
 
 /// Calls `keep(Bytes)` for each part of `block`, which is at `offset` of the file, that is not in a hole.

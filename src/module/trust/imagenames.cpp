@@ -60,10 +60,10 @@ class Image {
     m_sections = Read(read, peOffset + headers + optionalSize, pe.Word(6) * sectionSize);
   }
 
-  /// 0 for none.
+  /// Address of the resource directory; 0 if there is no such directory.
   std::uint32_t Resources() const { return m_resources; }
 
-  /// `size` bytes at `address`; none unless one section of the file has them all.
+  /// `size` bytes at `address`; empty unless one section of the file has all of them.
   std::vector<std::uint8_t> At(std::uint64_t address, std::size_t size) const {
     constexpr std::size_t sectionSize = 40;
     const Part sections(m_sections.data(), m_sections.size());
@@ -84,7 +84,7 @@ class Image {
 };
 
 /// Where an entry of the directory at `offset` of the resources leads: that of `id`, or the first one without. The
-/// highest bit says that it is a directory. Nothing where there is none.
+/// highest bit says that it is a directory. Nullopt if there is no such entry.
 std::optional<std::uint32_t> Entry(const Image& image, std::uint64_t offset, std::optional<std::uint32_t> id) {
   const std::vector<std::uint8_t> header = image.At(image.Resources() + offset, 16);
   const Part directory(header.data(), header.size());

@@ -1,5 +1,5 @@
 /// @file
-/// What the version resource of an image calls it. Portable, and trusts no number in the file.
+/// The names and version in the version resource of an image. Portable, and trusts no number in the file.
 #pragma once
 
 #include <cstddef>
@@ -15,8 +15,8 @@ namespace trust {
 using FileVersion = std::uint64_t;
 constexpr FileVersion LastFileVersion = ~FileVersion{0};
 
-/// The version at the beginning of `text`, such as "1.2.3.4" or "6, 0, 1 built by: someone"; parts that are missing are
-/// 0. Nothing where it begins with no number, or where a number exceeds 16 bits.
+/// The version at the beginning of `text`, such as "1.2.3.4" or "6, 0, 1 built by: someone"; missing parts are 0.
+/// Nullopt if it does not begin with a number or if a number exceeds 16 bits.
 std::optional<FileVersion> ParseFileVersion(std::string_view text);
 
 /// "1.2.3.4".
@@ -28,18 +28,18 @@ struct ImageNames {
   std::string internalName;
   std::string productName;
   std::string description;
-  /// The file version of the fixed part.
+  /// The file version in the fixed part.
   std::optional<FileVersion> version;
 };
 
 /// Reads `size` bytes at `offset` of a file into `bytes`; false when the file does not have all of them.
 using ReadFileBytes = std::function<bool(std::uint64_t offset, void* bytes, std::size_t size)>;
 
-/// What the first version resource of a PE image says, by its first table of texts. Nothing for any other file, and
-/// what is damaged is left out.
+/// The names in the first table of texts of the first version resource of a PE image. Empty for any other file; damaged
+/// parts are left out.
 ImageNames ReadImageNames(const ReadFileBytes& read);
 
-/// The same for the file at `path` (full path, UTF-8). Nothing for a file that cannot be read.
+/// The same for the file at `path` (full path, UTF-8). Empty for a file that cannot be read.
 ImageNames ReadImageNames(const std::string& path);
 
 }  // namespace trust

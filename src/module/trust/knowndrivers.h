@@ -1,9 +1,8 @@
 /// @file
-/// Drivers that published lists know as vulnerable or malicious, and whether an image is one of them.
+/// Drivers that published lists name as vulnerable or malicious, and whether an image is one of them.
 ///
-/// A list knows a driver by the hash of its file or image, by who signed it under which name and version, or by name
-/// and version alone. The last is no more than a hint: lists name drivers of Windows itself, whose other builds are in
-/// order.
+/// A list identifies a driver by the hash of its file or image, by its signer with name and version, or by name and
+/// version alone. The last is only a hint: lists name drivers of Windows itself, whose other builds are harmless.
 #pragma once
 
 #include <cstddef>
@@ -23,20 +22,20 @@ namespace trust {
 
 struct Signature;
 
-/// Where entries are from. Texts are UTF-8; unknown is empty.
+/// The source of entries. Texts are UTF-8; an unknown text is empty.
 struct KnownList {
   std::string name;
   /// The list's own version.
   std::string version;
-  /// When it was published, as far as it is known: "2024-05-06".
+  /// When it was published, if known: "2024-05-06".
   std::string date;
   std::string licence;
   std::string source;
   std::size_t entries = 0;
 };
 
-/// What the version resource of an image must say: every name that is not empty, in any case of ASCII letters, and a
-/// version within the bounds, which are inclusive.
+/// The names that the version resource of an image must have, as far as they are not empty (ignoring the case of ASCII
+/// letters), and the inclusive bounds of its version.
 struct NameRule {
   std::string originalName;
   std::string internalName;
@@ -46,9 +45,9 @@ struct NameRule {
   FileVersion maximum = LastFileVersion;
 };
 
-/// Who must have signed: the certificate somewhere in the chain and, as far as they are not empty, the common name of
-/// the signer and the name that the signer gave the program. The certificate is often that of an authority which
-/// countless vendors share.
+/// The required signer: a certificate that must be in the chain and, unless they are empty, the common name of the
+/// signer and the name that the signer gave the program. The certificate often belongs to an authority that countless
+/// vendors share.
 struct SignerRule {
   /// Hash of the to-be-signed part, hexadecimal in lower case.
   std::string tbsHash;
@@ -65,15 +64,15 @@ struct KnownEntry {
   std::string name;
   Category category = Category::Vulnerable;
   std::vector<std::string> cves;
-  /// Of files or images: hexadecimal in lower case. What they are hashes of is not trusted to the list, and by which
-  /// algorithm is seen by their length.
+  /// Hashes of files or images, hexadecimal in lower case. The list is not trusted to say which of the two they are;
+  /// their length tells the algorithm.
   std::vector<std::string> hashes;
-  /// With a signer, one of the names must hold too, unless there are none. Without one, they are hints.
+  /// With a signer, one of the names must match too, if there are any. Without a signer, they are hints.
   std::optional<SignerRule> signer;
   std::vector<NameRule> names;
 };
 
-/// Some lists, ready to be asked. Does not change while it is asked: several threads may.
+/// Lists, indexed for lookups. Lookups do not change it, so several threads may use it.
 class KnownDrivers {
  public:
   KnownDrivers() = default;
@@ -84,11 +83,11 @@ class KnownDrivers {
   /// Adds lists with their entries, whose `list` is an index among `lists`.
   void Add(std::vector<KnownList> lists, std::vector<KnownEntry> entries);
 
-  /// The entries that know an image, each by the surest of its ways; malicious ones first, then the surest. Hints are
-  /// left out where a hash is known.
+  /// The entries that match an image, each with its surest kind of match; malicious ones first, then the surest. Hints
+  /// are left out if a hash matches.
   std::vector<KnownMatch> Match(const Hashes& hashes, const Signature& signature, const ImageNames& names) const;
 
-  /// The hashes that the lists have beside SHA-256.
+  /// The kinds of hashes in the lists besides SHA-256.
   Wanted WantedHashes() const;
 
   /// Whether `hash` (hexadecimal, in lower case) is in a list.
@@ -99,7 +98,7 @@ class KnownDrivers {
 
   std::vector<KnownList> m_lists;
   std::vector<KnownEntry> m_entries;
-  /// With the entries that have them, sorted.
+  /// The hashes with the entries that have them, sorted.
   std::vector<Hash> m_hashes;
   /// Entries by the hash of the certificate.
   std::unordered_multimap<std::string, std::size_t> m_signers;

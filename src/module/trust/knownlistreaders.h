@@ -13,7 +13,7 @@ namespace trust {
 
 constexpr char NotAList[] = "is not a list of known drivers";
 
-/// Says where in a JSON text each value is, as a path of member names: "a/b" is the member b of an object that is the
+/// Tracks where in a JSON text each value is, as a path of member names: "a/b" is the member b of an object that is the
 /// member a, "a/" an element of the array a, "a//b" a member of an object in it.
 class JsonPaths : public Orvane::JsonEvents {
  public:
@@ -28,21 +28,20 @@ class JsonPaths : public Orvane::JsonEvents {
   virtual void OnValue(std::string_view path, const Orvane::JsonScalar& value) = 0;
   ~JsonPaths() = default;
 
-  /// How many arrays and objects are open. OnBegin() counts those around the one that begins, OnEnd() those around the
-  /// one that ended.
+  /// The number of open arrays and objects. In OnBegin() and OnEnd(), the one that begins or ends does not count.
   std::size_t Depth() const { return m_lengths.size(); }
 
  private:
   std::string m_path;
-  /// How long the path is to the array or object that is open, and to each around it.
+  /// The length of the path to the open array or object and to each one around it.
   std::vector<std::size_t> m_lengths;
 };
 
-/// Takes the entries of one file, and keeps count of what they may hold.
+/// Collects the entries of one file and enforces the limits.
 class Entries {
  public:
   KnownEntry& Add();
-  /// Of the latest entry; what is no hash is passed over.
+  /// Adds to the latest entry; anything that is not a hash is ignored.
   void AddHash(std::string_view text);
   KnownEntry& Latest() { return m_entries.back(); }
   std::size_t size() const { return m_entries.size(); }

@@ -14,7 +14,7 @@ std::string WholeText(std::streambuf& text) {
     const auto size = static_cast<std::size_t>(text.sgetn(chunk.data(), static_cast<std::streamsize>(chunk.size())));
     if (size == 0) return whole;
     whole.append(chunk, 0, size);
-    if (whole.size() > LongestPolicy) throw InputProblem("holds more than 64 MiB of XML");
+    if (whole.size() > LongestPolicy) throw InputProblem("contains more than 64 MiB of XML");
   }
 }
 
@@ -45,7 +45,7 @@ std::string HashIn(std::string_view text) {
 }
 
 KnownEntry& Entries::Add() {
-  if (m_entries.size() == MostEntries) throw InputProblem("holds more than 200,000 entries");
+  if (m_entries.size() == MostEntries) throw InputProblem("contains more than 200,000 entries");
   return m_entries.emplace_back();
 }
 
@@ -53,7 +53,7 @@ void Entries::AddHash(std::string_view text) {
   std::string hash = HashIn(text);
   if (hash.empty()) return;
   std::vector<std::string>& hashes = m_entries.back().hashes;
-  if (m_hashes == MostHashes) throw InputProblem("holds more than 2,000,000 hashes");
+  if (m_hashes == MostHashes) throw InputProblem("contains more than 2,000,000 hashes");
   ++m_hashes;
   hashes.push_back(std::move(hash));
 }

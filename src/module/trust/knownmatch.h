@@ -1,5 +1,5 @@
 /// @file
-/// That a list of known drivers knows an image.
+/// A match of an image in a list of known drivers.
 #pragma once
 
 #include <optional>
@@ -18,7 +18,7 @@ std::string_view NameOf(Category category);
 /// The category of that name.
 std::optional<Category> CategoryNamed(std::string_view name);
 
-/// By what a list knows an image, the surest first.
+/// The kinds of matches, the surest first.
 enum class MatchKind { FileHash, ImageHash, SignerRule, NameAndVersion };
 
 /// "file-hash", "image-hash", "signer-rule" or "name-and-version".
@@ -27,7 +27,7 @@ std::string_view NameOf(MatchKind kind);
 /// The kind of that name.
 std::optional<MatchKind> MatchKindNamed(std::string_view name);
 
-/// One entry that knows it. Texts are UTF-8.
+/// One matching entry. Texts are UTF-8.
 struct KnownMatch {
   std::string list;
   std::string entry;

@@ -1,5 +1,5 @@
 /// @file
-/// What the platform says of a signature. No network, no window, no revocation.
+/// The verdict of the platform on a signature. No network, no window, no revocation check.
 #pragma once
 
 #include <cstdint>
@@ -11,21 +11,21 @@
 namespace trust {
 
 struct PlatformVerdict {
-  /// WinVerifyTrust's answer.
+  /// The result of WinVerifyTrust.
   std::uint32_t code = 0;
-  /// Whether it showed the chain of certificates; then its errors (CERT_TRUST_...) and the encoded certificates, the
-  /// signer's first.
+  /// Whether it reported the chain of certificates; if so, the errors of the chain (CERT_TRUST_...) and the encoded
+  /// certificates, the signer's first.
   bool hasChain = false;
   std::uint32_t chainErrors = 0;
   std::vector<std::string> chain;
 };
 
-/// The signature in the file at `path` (full path, UTF-8), which may be an image or a catalog; `encoded` is what the
-/// file holds of it. A certificate that may end the process makes it CRYPT_E_ASN1_CORRUPT, and the platform is not
-/// asked.
+/// Checks the signature in the file at `path` (full path, UTF-8), which may be an image or a catalog; `encoded` is the
+/// signature as the file contains it. If a certificate in it could end the process, the result is CRYPT_E_ASN1_CORRUPT
+/// and the platform is not called.
 PlatformVerdict AskAboutFile(const std::string& path, Bytes encoded);
 
-/// A file of a catalog.
+/// A file that a catalog lists.
 struct CatalogMember {
   /// Full paths, UTF-8.
   std::string catalog;
@@ -36,7 +36,7 @@ struct CatalogMember {
   void* administrator = nullptr;
 };
 
-/// The signature of the catalog, as that of its member.
+/// Checks the signature of the catalog for its member.
 PlatformVerdict AskAboutMember(const CatalogMember& member);
 
 }  // namespace trust

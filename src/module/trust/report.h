@@ -14,7 +14,7 @@ namespace trust {
 /// The platform's part of the evidence.
 Evidence EvidenceOf(const PlatformVerdict& verdict);
 
-/// State, code and sentence of the evidence, with the facts of `data` where there is a signature that can be read.
+/// State, code and sentence from the evidence, with the facts from `data` if the signature can be read.
 Signature Report(const Evidence& evidence, const PlatformVerdict& verdict, const std::optional<SignedData>& data);
 
 }  // namespace trust

@@ -17,26 +17,26 @@ struct Sentence {
 
 constexpr Sentence Sentences[] = {
     {TRUST_E_NOSIGNATURE, "The file has no signature."},
-    {TRUST_E_SUBJECT_FORM_UNKNOWN, "The file is of no kind that can have a signature."},
-    {TRUST_E_BAD_DIGEST, "The file is not what was signed."},
-    {TRUST_E_CERT_SIGNATURE, "The signature does not fit the certificate."},
+    {TRUST_E_SUBJECT_FORM_UNKNOWN, "Files of this type cannot have a signature."},
+    {TRUST_E_BAD_DIGEST, "The file does not match its signature."},
+    {TRUST_E_CERT_SIGNATURE, "The signature does not match the certificate."},
     {TRUST_E_NO_SIGNER_CERT, "The certificate of the signer is missing."},
-    {TRUST_E_COUNTER_SIGNER, "The time stamp has no good signature."},
-    {TRUST_E_TIME_STAMP, "The time stamp does not hold."},
+    {TRUST_E_COUNTER_SIGNER, "The signature of the time stamp is not valid."},
+    {TRUST_E_TIME_STAMP, "The time stamp is not valid."},
     {TRUST_E_EXPLICIT_DISTRUST, "The certificate is distrusted on this machine."},
     {TRUST_E_SUBJECT_NOT_TRUSTED, "The signer is not trusted."},
     {TRUST_E_SYSTEM_ERROR, "The system failed while it checked the signature."},
-    {TRUST_E_FAIL, "The system did not show the chain of certificates."},
+    {TRUST_E_FAIL, "The system did not report the chain of certificates."},
     {CERT_E_EXPIRED, "The certificate has expired, or is not valid yet."},
     {CERT_E_UNTRUSTEDROOT, "The chain of certificates ends at a root that this machine does not trust."},
-    {CERT_E_CHAINING, "The chain of certificates leads to no root."},
+    {CERT_E_CHAINING, "The chain of certificates does not end at a root."},
     {CERT_E_REVOKED, "The certificate was revoked."},
-    {CERT_E_WRONG_USAGE, "The certificate is not for signing programs."},
+    {CERT_E_WRONG_USAGE, "The certificate is not meant for signing programs."},
     {CRYPT_E_NO_REVOCATION_CHECK, "Revocation could not be checked."},
     {CRYPT_E_REVOCATION_OFFLINE, "Revocation could not be checked offline."},
-    {CRYPT_E_UNKNOWN_ALGO, "The signature uses a hash algorithm that is not known here."},
+    {CRYPT_E_UNKNOWN_ALGO, "The signature uses an unknown hash algorithm."},
     {CRYPT_E_ASN1_BADTAG, "The signature cannot be read."},
-    {CRYPT_E_ASN1_EOD, "The signature ends early."},
+    {CRYPT_E_ASN1_EOD, "The signature is cut short."},
     {CRYPT_E_ASN1_CORRUPT, "The signature cannot be read."},
 };
 
@@ -53,7 +53,7 @@ std::string OwnSentence(std::uint32_t code) {
 
 std::string SentenceFor(std::uint32_t code) {
   const std::string sentence = Orvane::ErrorText(code);
-  // Where the system has none, the number stands in its place.
+  // If the system has no message, the number replaces it.
   return sentence == "error " + std::to_string(code) ? OwnSentence(code) : sentence;
 }
 

@@ -7,7 +7,7 @@
 
 namespace trust {
 
-/// The system's sentence for `code`; one of ours where the system has none. UTF-8.
+/// The system's message for `code`, or a sentence of our own if the system has no message. UTF-8.
 std::string SentenceFor(std::uint32_t code);
 
 }  // namespace trust

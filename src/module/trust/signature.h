@@ -1,9 +1,9 @@
 /// @file
-/// Whether a driver image is signed, by whom, and whether the signature holds.
+/// Whether a driver image is signed, by whom, and whether the signature is valid.
 ///
-/// The platform judges. Its word alone is not enough for `Valid`: the chain of certificates must be free of errors too,
-/// and both digests, that of the image and that of the signed content, are computed again. Nothing here uses the
-/// network, opens a window or asks for anything. Revocation is not looked up.
+/// The platform checks the signature. Its verdict alone is not enough for `Valid`: the chain of certificates must be
+/// free of errors too, and the digests of the image and of the signed content, which are computed again here, must
+/// agree. Nothing here uses the network, opens a window or prompts the user. Revocation is not checked.
 #pragma once
 
 #include <cstdint>
@@ -17,11 +17,11 @@
 namespace trust {
 
 enum class SignatureState {
-  /// Could not be judged: the file cannot be read, or the platform's own means failed.
+  /// Could not be checked: the file cannot be read, or the platform failed.
   Unknown,
   /// No signature in the file, and no catalog lists it.
   Unsigned,
-  /// There is a signature, and it does not hold.
+  /// There is a signature, but it is not valid.
   Invalid,
   Valid,
 };
@@ -43,25 +43,25 @@ std::string_view NameOf(SignatureKind kind);
 
 /// One certificate. Hashes are hexadecimal, in lower case.
 struct Certificate {
-  /// Common name of the subject, UTF-8; its organization where it has no common name.
+  /// Common name of the subject, UTF-8; its organization if it has no common name.
   std::string subject;
   /// The same of the issuer.
   std::string issuer;
   /// SHA-1 of the certificate.
   std::string thumbprint;
-  /// Hash of the to-be-signed part, by the hash algorithm of the certificate's own signature: what signer rules name.
-  /// Empty for an algorithm that is not known here.
+  /// Hash of the to-be-signed part, with the hash algorithm of the certificate's own signature; signer rules contain
+  /// this hash. Empty if the algorithm is unknown here.
   std::string tbsHash;
 };
 
-/// What one signature says. True only as far as the signature holds.
+/// The contents of one signature. They can be trusted only if the signature is valid.
 struct SignerFacts {
-  /// "sha1", "sha256", ... of the digest that was signed.
+  /// Algorithm of the signed digest: "sha1", "sha256", ...
   std::string digestAlgorithm;
-  /// Of the certificate that signed: leaf first, up to the root where it is known. Empty when the signer's certificate
+  /// Chain of the signing certificate: leaf first, up to the root if that is known. Empty if the signer's certificate
   /// is missing.
   std::vector<Certificate> chain;
-  /// UTC, ISO 8601, by a time stamp that is made for this very signature; empty without one.
+  /// UTC, ISO 8601, from a time stamp that was made for this very signature; empty without a time stamp.
   std::string signedAt;
   /// The name that the signer gave the program (Microsoft's lists call it OEM identifier).
   std::string programName;
@@ -73,27 +73,28 @@ struct SignerFacts {
 
 struct Signature {
   SignatureState state = SignatureState::Unknown;
-  /// What the state rests on: the platform's code, 0 for `Valid`. Where the platform answers 0 to what does not hold,
-  /// the platform's code for what is wrong.
+  /// The reason for the state: the platform's code, 0 for `Valid`. If the platform returns 0 for an invalid signature,
+  /// the platform's code for the fault that was found.
   std::uint32_t code = 0;
-  /// A sentence for `code`, the system's where it has one; empty for `Valid`.
+  /// A sentence for `code`, the system's message if there is one; empty for `Valid`.
   std::string sentence;
   SignatureKind kind = SignatureKind::None;
   /// File name of the catalog; empty for other kinds.
   std::string catalog;
-  /// Of the signature that was judged. `chain[0]` is the signer.
+  /// The facts of the signature that was checked. `chain[0]` is the signer.
   SignerFacts facts;
-  /// Further signatures within it, in their order; they are facts and were not judged.
+  /// Further signatures nested in it, in order; these were not checked.
   std::vector<SignerFacts> nested;
 
-  /// Common name, issuer and thumbprint of the signer; empty when it is not known.
+  /// Common name, issuer and thumbprint of the signer; empty if unknown.
   std::string Signer() const;
   std::string Issuer() const;
   std::string Thumbprint() const;
 };
 
-/// Judges the file at `path` (full path, UTF-8), whose hashes `HashImage` gave: a signature in the file, or else one in
-/// `catalogs`. An image whose own signature does not hold is valid if a catalog's does.
+/// Checks the file at `path` (full path, UTF-8), whose hashes come from `HashImage`: the signature in the file,
+/// otherwise a signature in `catalogs`. An image whose own signature is not valid is valid if the signature of a
+/// catalog is.
 ///
 /// May be called from several threads, with the same `catalogs`.
 Signature Verify(const std::string& path, const Hashes& hashes, const Catalogs& catalogs);

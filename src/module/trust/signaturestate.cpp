@@ -16,7 +16,7 @@ constexpr std::uint32_t Code(HRESULT code) { return static_cast<std::uint32_t>(c
 /// The platform finds no signature, or knows no way in which a file of this kind could have one.
 constexpr std::uint32_t NoSignature[] = {Code(TRUST_E_NOSIGNATURE), Code(TRUST_E_SUBJECT_FORM_UNKNOWN)};
 
-/// The platform could not look. Windows errors are also told as HRESULT.
+/// The platform could not check it. Windows errors may also be reported as HRESULTs.
 constexpr std::uint32_t CouldNotLook[] = {
     ERROR_FILE_NOT_FOUND,
     ERROR_PATH_NOT_FOUND,

@@ -1,5 +1,5 @@
 /// @file
-/// What the platform's answer and our own reading say together: the state of a signature. Pure.
+/// The state of a signature, from the platform's verdict and our own checks. Pure.
 #pragma once
 
 #include <cstdint>
@@ -15,24 +15,24 @@ enum class DigestCheck {
   Matches,
 };
 
-/// What a state is made of.
+/// The facts that determine a state.
 struct Evidence {
-  /// WinVerifyTrust's answer.
+  /// The result of WinVerifyTrust.
   std::uint32_t code = 0;
-  /// Whether the platform showed the chain of certificates, and which errors it has (CERT_TRUST_...).
+  /// Whether the platform reported the chain of certificates, and the errors of the chain (CERT_TRUST_...).
   bool hasChain = false;
   std::uint32_t chainErrors = 0;
-  /// The digest of the image against the signed one; for a catalog, whether it lists the image.
+  /// Whether the digest of the image equals the signed digest; for a catalog, whether it lists the image.
   DigestCheck image = DigestCheck::NotKnown;
-  /// The digest of what is signed against the one that the signer signed.
+  /// Whether the digest of the signed content equals the digest that the signer signed.
   DigestCheck content = DigestCheck::NotKnown;
-  /// Whether there is something of a signature: a certificate table that the image names, or a catalog that lists it.
+  /// Whether there is any trace of a signature: a certificate table that the image names, or a catalog that lists it.
   bool hasSignature = false;
 };
 
 struct Judgement {
   SignatureState state = SignatureState::Unknown;
-  /// What the state rests on; 0 for `Valid`.
+  /// The reason for the state; 0 for `Valid`.
   std::uint32_t code = 0;
 };
 

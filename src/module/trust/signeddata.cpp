@@ -17,7 +17,7 @@ constexpr std::string_view NestedSignatureAttribute = "1.3.6.1.4.1.311.2.4.1";
 constexpr std::string_view TimeStampAttribute = "1.3.6.1.4.1.311.3.3.1";
 constexpr std::string_view TimeStampType = "1.2.840.113549.1.9.16.1.4";
 
-/// The identifier at the head of an algorithm; empty when there is none.
+/// The identifier at the beginning of an algorithm; empty if there is no identifier.
 std::string AlgorithmOid(std::optional<Bytes> algorithm) {
   const auto oid = algorithm ? DerReader(*algorithm).Content(DerOid) : std::nullopt;
   return oid ? OidText(*oid) : std::string();

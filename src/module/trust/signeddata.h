@@ -1,5 +1,5 @@
 /// @file
-/// What a signature holds, as PKCS #7 encodes it. Needs nothing of the platform, and judges nothing.
+/// The contents of a signature, as encoded by PKCS #7. Uses no platform API, and judges nothing.
 #pragma once
 
 #include <optional>
@@ -11,8 +11,8 @@
 
 namespace trust {
 
-/// A time stamp: somebody's word that a signature existed then. The imprint is a digest of the signature it was made
-/// for.
+/// A time stamp: an assertion that a signature existed at that time. The imprint is a digest of the signature for which
+/// it was made.
 struct TimeStamp {
   /// Object identifier.
   std::string digestAlgorithm;
@@ -23,7 +23,7 @@ struct TimeStamp {
 
 /// Views into the bytes that were parsed, which must outlive it.
 struct SignerInfo {
-  /// Whose signature it is: issuer (with its tag) and serial number of the certificate.
+  /// The signer: issuer (with its tag) and serial number of the certificate.
   Bytes issuer;
   Bytes serial;
   /// Object identifier.
@@ -32,10 +32,10 @@ struct SignerInfo {
   std::string contentType;
   Bytes messageDigest;
   std::string programName;
-  /// The signature proper.
+  /// The signature value.
   Bytes signature;
   std::vector<TimeStamp> timeStamps;
-  /// Signatures within it, encoded.
+  /// Nested signatures, encoded.
   std::vector<Bytes> nested;
 };
 
@@ -43,12 +43,12 @@ struct SignerInfo {
 struct SignedData {
   /// Object identifier.
   std::string contentType;
-  /// The content without tag and length, which its digest does not cover.
+  /// The content without its tag and length, which the digest does not cover.
   Bytes content;
   std::vector<X509> certificates;
   SignerInfo signer;
 
-  /// The signer's own certificate; null when it is missing.
+  /// The signer's own certificate; null if it is missing.
   const X509* SignerCertificate() const;
 };
 
@@ -59,18 +59,18 @@ struct ListedDigest {
   Bytes digest;
 };
 
-/// Types of signed content: that of an image, that of a catalog.
+/// Types of signed content: of an image, of a catalog.
 inline constexpr std::string_view IndirectDataType = "1.3.6.1.4.1.311.2.1.4";
 inline constexpr std::string_view TrustListType = "1.3.6.1.4.1.311.10.1";
 
-/// Nothing for what is not signed data with one signer at least; the first one counts.
+/// Nullopt unless it is signed data with at least one signer; the first signer counts.
 std::optional<SignedData> ParseSignedData(Bytes encoded);
 
 /// The digest that the content of an image's signature lists.
 std::optional<ListedDigest> ParseIndirectData(Bytes content);
 
-/// The encoded signature in the first entry of a certificate table, which is the one that the platform judges; empty
-/// where that entry holds none.
+/// The encoded signature in the first entry of a certificate table, which is the one that the platform checks; empty if
+/// that entry contains no signature.
 Bytes FirstSignature(Bytes certificateTable);
 
 }  // namespace trust

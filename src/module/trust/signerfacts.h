@@ -1,5 +1,5 @@
 /// @file
-/// What a signature says of its signer, and whether its content is what was signed.
+/// The facts about the signer in a signature, and whether the content is what was signed.
 #pragma once
 
 #include <string>
@@ -11,14 +11,14 @@
 
 namespace trust {
 
-/// The digest of the content against the one that the signer signed.
+/// Compares the digest of the content with the digest that the signer signed.
 DigestCheck CheckContent(const SignedData& data);
 
-/// `platformChain` holds encoded certificates, the signer's first. Where it is not of this signer, the chain is made of
-/// the certificates that come with the signature.
+/// `platformChain` holds encoded certificates, the signer's first. If it is not the chain of this signer, the chain is
+/// built from the certificates in the signature.
 SignerFacts FactsOf(const SignedData& data, const std::vector<std::string>& platformChain);
 
-/// The same of the signatures within it, which the platform did not judge.
+/// The same for the nested signatures, which the platform did not check.
 std::vector<SignerFacts> NestedFactsOf(const SignedData& data);
 
 }  // namespace trust

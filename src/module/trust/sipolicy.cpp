@@ -18,7 +18,7 @@ using pugi::xml_node;
 
 /// A policy can restrict more than is checked here, and a rule without its restriction would match too much.
 [[noreturn]] void Unknown(const std::string& id, const std::string& what) {
-  throw InputProblem("holds a rule that cannot be checked: " + id + " has " + what);
+  throw InputProblem("contains a rule that cannot be checked: " + id + " has " + what);
 }
 
 bool IsNamed(const xml_node& node, std::string_view name) { return node.name() == name; }
@@ -56,7 +56,7 @@ FileVersion VersionIn(const xml_node& rule, const char* attribute, FileVersion u
   const std::string text = Text(rule, attribute);
   if (text.empty()) return unless;
   const std::optional<FileVersion> version = ParseFileVersion(text);
-  if (!version) Damaged("the " + std::string(attribute) + " of " + Text(rule, "ID") + " is no version");
+  if (!version) Damaged("the " + std::string(attribute) + " of " + Text(rule, "ID") + " is not a version");
   return *version;
 }
 
@@ -139,7 +139,7 @@ class PolicyReader {
     KnownEntry& entry = Add(rule, Text(rule, "FriendlyName"));
     if (const xml_attribute hash = rule.attribute("Hash")) {
       m_entries.AddHash(hash.value());
-      if (entry.hashes.empty()) Damaged("the Hash of " + entry.id + " is none");
+      if (entry.hashes.empty()) Damaged("the Hash of " + entry.id + " is not a hash");
       return;
     }
     entry.names.push_back(NameRuleOf(rule));

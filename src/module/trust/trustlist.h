@@ -1,5 +1,5 @@
 /// @file
-/// Which files a catalog lists. Needs nothing of the platform.
+/// Which files a catalog lists. Uses no platform API.
 #pragma once
 
 #include <string>
@@ -10,7 +10,7 @@
 namespace trust {
 
 /// The digests of the files that the content of a catalog lists, as bytes: SHA-1 in catalogs of version 1, SHA-256 in
-/// those of version 2. Nothing for what is no list.
+/// catalogs of version 2. Empty if it is not a list.
 std::vector<Bytes> ParseTrustList(Bytes content);
 
 }  // namespace trust

@@ -63,7 +63,7 @@ std::optional<X509> ParseX509(Bytes encoded) {
   certificate.signatureAlgorithm = OidText(*algorithmOid);
 
   DerReader reader(toBeSigned->content);
-  // The version; the first has none.
+  // The version, which is missing in version 1.
   reader.Next(DerContext0);
   const auto serial = reader.Content(DerInteger);
   const auto innerAlgorithm = reader.Next(DerSequence);

@@ -1,5 +1,5 @@
 /// @file
-/// What is read of a certificate. Needs nothing of the platform.
+/// The fields of a certificate that are used. Uses no platform API.
 #pragma once
 
 #include <optional>
@@ -25,15 +25,15 @@ struct X509 {
   std::vector<std::string> policies;
 };
 
-/// Nothing for what is no certificate.
+/// Nullopt if it is not a certificate.
 std::optional<X509> ParseX509(Bytes encoded);
 
-/// Whether every key usage in `encoded`, which holds certificates, has a bit at least, as it must. Wine 8 reads the
-/// byte before the first of an empty one and ends the process.
+/// Whether every key usage in the certificates in `encoded` has at least one bit, as it must. For an empty key usage,
+/// Wine 8 reads the byte before its beginning and ends the process.
 bool KeyUsagesAreWhole(Bytes encoded);
 
-/// The last common name of a name as it is encoded, or else its last organization, or else its last organizational
-/// unit; UTF-8.
+/// The last common name of an encoded name, otherwise its last organization, otherwise its last organizational unit;
+/// UTF-8.
 std::string DisplayName(Bytes name);
 
 }  // namespace trust
