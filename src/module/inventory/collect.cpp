@@ -57,6 +57,7 @@ Inventory Collect(const CollectOptions& options) {
   inventory.isVerified = Verify(inventory.records, *options.verification);
   if (!inventory.isVerified) throw CollectionStopped();
   if (options.verification->known != nullptr) inventory.lists = options.verification->known->Lists();
+  inventory.isLookedUp = !inventory.lists.empty();
   return inventory;
 }
 

@@ -1,5 +1,5 @@
 /// @file
-/// An inventory as lines for a shipper of logs: what a database of many machines takes in.
+/// An inventory as lines for a log shipper, to be loaded into a database of many machines.
 #pragma once
 
 #include <string>
@@ -8,12 +8,12 @@
 
 namespace inventory {
 
-/// JSON Lines in UTF-8. The first line has the head, "kind": "collection", how many records there are ("drivers") and
-/// the digest of their content; it is followed by a line for each record: the head's members and the record's.
+/// JSON Lines in UTF-8. The first line has the head, "kind": "collection", the number of records ("drivers") and the
+/// digest of their content. A line for each record follows, with the members of the head and of the record.
 ///
-/// The digest is the SHA-256 of the records' lines without the head's members, so it is the same on every run until a
-/// record changes; it is left out when Windows cannot compute it. Where it is `knownDigest`, in either case, there is
-/// the first line only, which then says "unchanged".
+/// The digest is the SHA-256 of the record lines without the members of the head, so it is the same on every run until
+/// a record changes. It is left out if Windows cannot compute it. If it equals `knownDigest` (in upper or lower case),
+/// there is only the first line, which then says "unchanged".
 std::string CollectionLines(const Inventory& inventory, const std::string& knownDigest);
 
 }  // namespace inventory

@@ -84,7 +84,7 @@ int OrderNewestFirst(const Record& a, const Record& b) {
   return a.version == b.version ? 0 : VersionKey(b.version).compare(VersionKey(a.version));
 }
 
-/// What tells the records of one schema apart.
+/// The values that identify a record of one schema.
 class Keys {
  public:
   explicit Keys(unsigned schema) : m_schema(schema) {}
@@ -197,7 +197,7 @@ class Links {
     Add(m_byService, LowerCase(device.service), difference);
   }
 
-  /// The difference of the package that the device or service belongs to; null when there is none.
+  /// The difference of the package that the device or service belongs to; null if there is no such package.
   const std::size_t* Find(const Record& record) const {
     if (IsDevice(record)) return Find(m_byInf, LowerCase(record.inf));
     if (!IsService(record)) return nullptr;

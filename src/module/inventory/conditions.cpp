@@ -48,7 +48,8 @@ Parts PartsOf(std::string_view text) {
     if (rest.substr(0, known.sign.size()) != known.sign) continue;
     return {Trimmed(text.substr(0, at)), known.sign, known.relation, Trimmed(rest.substr(known.sign.size()))};
   }
-  throw ConditionProblem(Quoted(text) + " is no condition: write MEMBER=PATTERN, or !=, <, <=, > or >= instead of =");
+  throw ConditionProblem(Quoted(text) +
+                         " is not a condition: write MEMBER=PATTERN, or !=, <, <=, > or >= instead of =");
 }
 
 std::size_t IndexNamed(std::string_view name, const std::vector<Column>& columns) {
@@ -70,7 +71,7 @@ void RequireOrder(const Column& column, const Parts& parts) {
                                                              : " is a text";
   const std::string example = column.type == ValueType::Flag ? "=true" : "=a*";
   throw ConditionProblem(name + what + ", which " + std::string(parts.sign) +
-                         " does not compare: use = or != with a pattern, such as " + name + example);
+                         " cannot compare: use = or != with a pattern, such as " + name + example);
 }
 
 std::optional<std::uint64_t> WholeNumber(std::string_view text) {
@@ -127,9 +128,9 @@ Condition::Condition(std::string_view text, const std::vector<Column>& columns) 
 void Condition::SetOperand(const Column& column, std::string_view text) {
   const std::string name(column.name);
   if (m_type == ValueType::Number && !WholeNumber(text)) {
-    throw ConditionProblem(Quoted(text) + " is no whole number, which " + name + " is");
+    throw ConditionProblem(Quoted(text) + " is not a whole number, which " + name + " needs");
   }
-  if (m_type == ValueType::Version && text.empty()) throw ConditionProblem("there is no version behind " + name);
+  if (m_type == ValueType::Version && text.empty()) throw ConditionProblem(name + " needs a version to compare with");
   if (m_type == ValueType::Time || m_type == ValueType::Date) {
     if (const std::optional<std::uint64_t> age = AgeIn(text)) {
       m_age = *age;

@@ -53,7 +53,7 @@ class Enumeration {
     return isRead ? Utf8FromWide(Orvane::BoundedText(text.data(), text.size())) : std::string();
   }
 
-  /// File name of the INF that the device was installed from; empty for none.
+  /// File name of the INF that the device was installed from; empty without an INF.
   std::string InstalledInf() {
     const RegKey key(SetupDiOpenDevRegKey(m_set.get(), &m_device, DICS_FLAG_GLOBAL, 0, DIREG_DRV, KEY_QUERY_VALUE));
     std::array<wchar_t, MAX_PATH> text{};
@@ -85,7 +85,7 @@ class Enumeration {
   }
 
   std::optional<std::uint64_t> ProblemCode() {
-    // Some platforms report success and write nothing; 0 is no problem.
+    // Some platforms report success and write nothing; 0 means no problem.
     std::uint32_t code = 0;
     DEVPROPTYPE type = 0;
     const bool isRead = Property(DEVPKEY_Device_ProblemCode, type, &code, sizeof(code));

@@ -1,5 +1,5 @@
 /// @file
-/// Present devices as the device inventory module reports them, and what Windows adds about any device.
+/// Present devices as the device inventory module reports them, and further facts from Windows about all devices.
 #pragma once
 
 #include <cstdint>
@@ -23,7 +23,7 @@ struct DeviceFacts {
   std::string device_id;
   std::string identity_part3;
   std::string identity_part4;
-  /// Of the installed package: file name of its INF, version, and date as the driver key has it ("5-17-2023").
+  /// The installed package: file name of its INF, version, and date as in the driver key ("5-17-2023").
   std::string inf;
   std::string version;
   std::string date;
@@ -35,13 +35,13 @@ std::vector<DeviceFacts> ReadPresentDevices();
 /// A device of any bus, present or not.
 struct DeviceNode {
   std::string instance_id;
-  /// File name of the INF it was installed from, and of those that extend it.
+  /// File name of the INF it was installed from, and of the INFs that extend it.
   std::vector<std::string> infs;
   std::optional<std::uint64_t> problem_code;
 };
 
-/// Asks Windows for all devices. What cannot be read is left out; the list is empty, with a line at level 2 of the log,
-/// when the devices cannot be listed.
+/// Asks Windows for all devices. Anything that cannot be read is left out. If the devices cannot be listed, the list is
+/// empty and a line is logged at level 2.
 std::vector<DeviceNode> ReadDeviceNodes();
 
 }  // namespace inventory

@@ -31,11 +31,57 @@ Json DifferenceJson(const Comparison& comparison, const Difference& difference) 
           {"changes", std::move(changes)}};
 }
 
+/// One by one: "id" is left out where there is none.
+Json JsonOf(const Finding& finding) {
+  Json json = {{"rule", finding.rule}, {"severity", SeverityName(finding.severity)}};
+  if (!finding.id.empty()) json["id"] = finding.id;
+  json["subject"] = finding.subject;
+  json["evidence"] = finding.evidence;
+  if (!finding.nextStep.empty()) json["next_step"] = finding.nextStep;
+  return json;
+}
+
 Json KnownListJson(const trust::KnownList& list) {
   Json json = {{"name", list.name}};
   if (!list.version.empty()) json["version"] = list.version;
   if (!list.date.empty()) json["date"] = list.date;
   json["entries"] = list.entries;
+  return json;
+}
+
+Json ViolationJson(const Violation& violation) {
+  Json json = {{"subject", violation.subject}};
+  if (!violation.kind.empty()) json["kind"] = violation.kind;
+  json["evidence"] = violation.evidence;
+  return json;
+}
+
+Json RuleJson(const PolicyRule& rule, const RuleResult& result) {
+  Json json = {{"rule", rule.name}, {"severity", SeverityName(rule.severity)}};
+  if (!rule.message.empty()) json["message"] = rule.message;
+  json["result"] = RuleStateName(result.state);
+  json["examined"] = result.examined;
+  json["violation_count"] = result.violationCount;
+  Json& violations = json["violations"] = Json::array();
+  for (const Violation& violation : result.violations) violations.push_back(ViolationJson(violation));
+  return json;
+}
+
+Json StatesJson(const std::vector<PolicyCheck>& checks) {
+  Json json = Json::object();
+  for (const RuleState state : RuleStates) {
+    std::size_t count = 0;
+    for (const PolicyCheck& check : checks) count += check.CountOf(state);
+    json[std::string(RuleStateName(state))] = count;
+  }
+  return json;
+}
+
+Json CheckedMachineJson(const Policy& policy, const PolicyCheck& check) {
+  Json json = MachineJson(check.head);
+  json["summary"] = StatesJson({check});
+  Json& rules = json["rules"] = Json::array();
+  for (std::size_t i = 0; i < policy.rules.size(); ++i) rules.push_back(RuleJson(policy.rules[i], check.results[i]));
   return json;
 }
 
@@ -99,21 +145,40 @@ std::vector<Finding> FindingsOf(const HealthRule& rule, const std::vector<Findin
   return found;
 }
 
-std::string FindingsJson(const std::vector<Finding>& findings, const Inventory& inventory) {
+Json FindingsArray(const std::vector<Finding>& findings) {
+  Json list = Json::array();
+  for (const Finding& finding : findings) list.push_back(JsonOf(finding));
+  return list;
+}
+
+std::string FindingsJson(const std::vector<Finding>& findings, const Inventory& inventory,
+                         const std::optional<Hiding>& hiding) {
   Json document = HeadJson(inventory.head);
   Json& summary = document["summary"] = Json::object();
   for (const HealthRule& rule : HealthRules()) {
     summary[std::string(rule.name)] = FindingsOf(rule, findings).size();
   }
-  Json list = Json::array();
-  for (const Finding& finding : findings) {
-    list.push_back({{"rule", finding.rule}, {"subject", finding.subject}, {"evidence", finding.evidence}});
+  document["findings"] = FindingsArray(findings);
+  if (hiding) {
+    Json& baseline = document["baseline"] = Json::object();
+    if (!hiding->baseline.time.empty()) baseline["time"] = hiding->baseline.time;
+    baseline["hidden"] = hiding->hidden;
   }
-  document["findings"] = std::move(list);
   if (inventory.isVerified) {
     Json& lists = document["known_lists"] = Json::array();
     for (const trust::KnownList& known : inventory.lists) lists.push_back(KnownListJson(known));
   }
+  return DocumentText(document);
+}
+
+std::string PolicyCheckJson(const Policy& policy, const std::vector<PolicyCheck>& checks, const Head& head) {
+  Json document = HeadJson(head);
+  Json& described = document["policy"] = Json::object();
+  if (!policy.name.empty()) described["name"] = policy.name;
+  if (!policy.description.empty()) described["description"] = policy.description;
+  document["summary"] = StatesJson(checks);
+  Json& machines = document["machines"] = Json::array();
+  for (const PolicyCheck& check : checks) machines.push_back(CheckedMachineJson(policy, check));
   return DocumentText(document);
 }
 

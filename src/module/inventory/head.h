@@ -1,5 +1,5 @@
 /// @file
-/// Which machine an inventory is of, when it was made and by what: the head of every document.
+/// The head of every document: the machine of an inventory, when the inventory was made and by which program.
 #pragma once
 
 #include <string>
@@ -12,16 +12,17 @@ struct Head {
   std::string tool_version;
   /// Name of the machine.
   std::string host;
-  /// What tells machines of one name apart: the machine's own GUID, or what the user says instead, since cloned
-  /// machines share it.
+  /// Distinguishes machines of the same name: the machine's own GUID, or a text that the user chose, because cloned
+  /// machines share the GUID.
   std::string host_id;
-  /// Version of its Windows, such as "10.0.22621": what it is, not what it reports to programs that do not know it.
+  /// Version of its Windows, such as "10.0.22621": the true version, not the one that Windows reports to programs that
+  /// do not know it.
   std::string windows;
   /// UTC, ISO 8601: "2024-05-06T07:08:09Z".
   std::string time;
 };
 
-/// Of this machine, now. `hostId` takes the place of the machine's GUID unless it is empty.
+/// The head of this machine, now. `hostId` replaces the machine's GUID unless it is empty.
 Head ThisMachine(const std::string& hostId);
 
 /// Version of this program.

@@ -6,6 +6,8 @@
 #include <tuple>
 
 #include "inventory/filenames.h"
+#include "inventory/findingidentity.h"
+#include "inventory/nextsteps.h"
 #include "inventory/predicates.h"
 #include "inventory/problems.h"
 #include "inventory/systemfolders.h"
@@ -15,26 +17,8 @@
 namespace inventory {
 namespace {
 
-using Findings = std::vector<Finding>;
+using Discoveries = std::vector<Discovery>;
 using Texts = std::vector<std::string>;
-
-constexpr std::string_view KnownMalicious = "known-malicious";
-constexpr std::string_view KnownVulnerable = "known-vulnerable";
-constexpr std::string_view SignatureInvalid = "signature-invalid";
-constexpr std::string_view Unsigned = "unsigned";
-constexpr std::string_view ListedName = "listed-name";
-constexpr std::string_view ImageInUserFolder = "image-in-user-folder";
-constexpr std::string_view DeviceProblem = "device-problem";
-constexpr std::string_view DeviceWithoutDriver = "device-without-driver";
-constexpr std::string_view NotRunning = "not-running";
-constexpr std::string_view ImageMissing = "image-missing";
-constexpr std::string_view NoVersionOrCompany = "no-version-or-company";
-constexpr std::string_view SeveralVersions = "several-versions";
-constexpr std::string_view UnusedPackage = "unused-package";
-
-void Add(Findings& findings, std::string_view rule, const std::string& subject, const std::string& evidence) {
-  findings.push_back({std::string(rule), subject, evidence});
-}
 
 std::string Joined(const Texts& texts) {
   std::string joined;
@@ -69,32 +53,62 @@ std::string MatchesText(const Record& service) {
   return text;
 }
 
-template <bool (*Predicate)(const Record&), const std::string_view& Rule>
-void FindKnown(const Records& records, Findings& findings) {
-  for (const Record& service : records) {
-    if (Predicate(service)) Add(findings, Rule, service.service, MatchesText(service) + ": " + ImageText(service));
-  }
+/// What an image is recognised by, once it was read.
+Texts VerifiedState(const Record& service) { return {service.service, service.path, service.sha256}; }
+
+/// What an image is recognised by, whether it was read or not.
+Texts ImageState(const Record& service) {
+  return {service.service, service.path, service.version, service.size ? std::to_string(*service.size) : std::string()};
 }
 
-void FindInvalidSignatures(const Records& records, Findings& findings) {
+/// "0x80096010" of "The digest is wrong. (0x80096010)": the words in front are in the language of the machine.
+std::string CodeOf(const std::string& problem) {
+  const std::size_t begin = problem.rfind("(0x");
+  return begin == std::string::npos ? problem : problem.substr(begin);
+}
+
+using NextStep = std::string (NextSteps::*)(const Record&) const;
+
+template <bool (*Predicate)(const Record&), NextStep Step>
+Discoveries FindKnown(const Records& records, const NextSteps& steps) {
+  Discoveries found;
+  for (const Record& service : records) {
+    if (!Predicate(service)) continue;
+    found.push_back({service.service, MatchesText(service) + ": " + ImageText(service), (steps.*Step)(service),
+                     VerifiedState(service)});
+  }
+  return found;
+}
+
+Discoveries FindInvalidSignatures(const Records& records, const NextSteps& steps) {
+  Discoveries found;
   for (const Record& service : records) {
     if (!HasInvalidSignature(service)) continue;
-    Add(findings, SignatureInvalid, service.service, service.signature_problem + ": " + ImageText(service));
+    Texts state = VerifiedState(service);
+    state.push_back(CodeOf(service.signature_problem));
+    found.push_back({service.service, service.signature_problem + ": " + ImageText(service),
+                     steps.ForInvalidSignature(service), std::move(state)});
   }
+  return found;
 }
 
-void FindUnsigned(const Records& records, Findings& findings) {
+Discoveries FindUnsigned(const Records& records, const NextSteps& steps) {
+  Discoveries found;
   for (const Record& service : records) {
-    if (IsUnsigned(service)) Add(findings, Unsigned, service.service, ImageText(service));
+    if (!IsUnsigned(service)) continue;
+    found.push_back({service.service, ImageText(service), steps.ForUnsigned(service), VerifiedState(service)});
   }
+  return found;
 }
 
-void FindImagesInUserFolders(const Records& records, Findings& findings) {
+Discoveries FindImagesInUserFolders(const Records& records, const NextSteps& steps) {
+  Discoveries found;
   const SystemFolders folders(records);
   for (const Record& service : records) {
     if (!IsService(service) || IsImageMissing(service) || folders.Hold(service.path)) continue;
-    Add(findings, ImageInUserFolder, service.service, ImageText(service));
+    found.push_back({service.service, ImageText(service), steps.ForImageInUserFolder(service), ImageState(service)});
   }
+  return found;
 }
 
 // --- Devices, services and packages
@@ -109,10 +123,21 @@ std::string DeviceText(const Record& device) {
   return device.provider.empty() ? text : text + " by " + device.provider;
 }
 
-void FindDeviceProblems(const Records& records, Findings& findings) {
+/// What a device is recognised by.
+const std::string& IdentityOf(const Record& device) {
+  return device.instance_id.empty() ? device.name : device.instance_id;
+}
+
+Discoveries FindDeviceProblems(const Records& records, const NextSteps& steps) {
+  Discoveries found;
   for (const Record& device : records) {
-    if (HasProblem(device)) Add(findings, DeviceProblem, device.name, ProblemText(device) + ": " + DeviceText(device));
+    if (!HasProblem(device)) continue;
+    found.push_back({device.name,
+                     ProblemText(device) + ": " + DeviceText(device),
+                     steps.ForProblem(device),
+                     {IdentityOf(device), std::to_string(*device.problem_code)}});
   }
+  return found;
 }
 
 /// Those of a package's files that a service can load.
@@ -122,28 +147,41 @@ Texts DriverFiles(const Record& package) {
   return drivers;
 }
 
-void FindDevicesWithoutDriver(const Records& records, Findings& findings) {
+Discoveries FindDevicesWithoutDriver(const Records& records, const NextSteps& steps) {
+  Discoveries found;
   for (const Record& device : records) {
     if (!HasNoDriver(device)) continue;
-    Add(findings, DeviceWithoutDriver, device.name,
-        DeviceText(device) + (HasProblem(device) ? ", " + ProblemText(device) : std::string()));
+    found.push_back({device.name,
+                     DeviceText(device) + (HasProblem(device) ? ", " + ProblemText(device) : std::string()),
+                     steps.ForDeviceWithoutDriver(device),
+                     {IdentityOf(device)}});
   }
+  return found;
 }
 
-void FindNotRunning(const Records& records, Findings& findings) {
+Discoveries FindNotRunning(const Records& records, const NextSteps& steps) {
+  Discoveries found;
   for (const Record& service : records) {
     if (!StartsByItself(service) || IsRunning(service)) continue;
     const std::string state = service.state.empty() ? "in an unknown state" : service.state;
-    Add(findings, NotRunning, service.service, service.start_type + ", but " + state + ": " + service.path);
+    found.push_back({service.service,
+                     service.start_type + ", but " + state + ": " + service.path,
+                     steps.ForNotRunning(service),
+                     {service.service}});
   }
+  return found;
 }
 
-void FindMissingImages(const Records& records, Findings& findings) {
+Discoveries FindMissingImages(const Records& records, const NextSteps& steps) {
+  Discoveries found;
   for (const Record& service : records) {
     if (!IsImageMissing(service)) continue;
-    Add(findings, ImageMissing, service.service,
-        "there is no " + service.path + ", where the service's configuration expects its image");
+    found.push_back({service.service,
+                     "the configured image " + service.path + " does not exist",
+                     steps.ForMissingImage(service),
+                     {service.service, service.path}});
   }
+  return found;
 }
 
 /// Whether there is a driver that could say its version and company.
@@ -151,16 +189,22 @@ bool HasDriver(const Record& record) {
   return (IsService(record) && !IsImageMissing(record)) || (IsDevice(record) && !HasNoDriver(record));
 }
 
-void FindNoVersionOrCompany(const Records& records, Findings& findings) {
+Discoveries FindNoVersionOrCompany(const Records& records, const NextSteps& steps) {
+  Discoveries found;
   for (const Record& driver : records) {
     if (!HasDriver(driver)) continue;
     Texts missing;
     if (!IsKnownVersion(driver.version)) missing.emplace_back("no version");
     if (driver.provider.empty()) missing.emplace_back("no company");
     if (missing.empty()) continue;
-    Add(findings, NoVersionOrCompany, IsService(driver) ? driver.service : driver.name,
-        Joined(missing) + ": " + (IsService(driver) ? driver.path : driver.inf));
+    const bool isService = IsService(driver);
+    Texts state = isService ? ImageState(driver) : Texts{IdentityOf(driver), driver.inf, driver.version};
+    state.push_back(Joined(missing));
+    found.push_back({isService ? driver.service : driver.name,
+                     Joined(missing) + ": " + (isService ? driver.path : driver.inf),
+                     steps.ForNoVersionOrCompany(driver), std::move(state)});
   }
+  return found;
 }
 
 /// A version and a place where it is, in the order of versions.
@@ -192,13 +236,22 @@ Copies CopiesByFile(const Records& records) {
   return copies;
 }
 
-void FindSeveralVersions(const Records& records, Findings& findings) {
+Discoveries FindSeveralVersions(const Records& records, const NextSteps& steps) {
+  Discoveries found;
   for (const auto& [file, copies] : CopiesByFile(records)) {
-    if (copies.begin()->key == copies.rbegin()->key) continue;
+    const Copy& newest = *copies.rbegin();
+    if (copies.begin()->key == newest.key) continue;
     Texts places;
-    for (const Copy& copy : copies) places.push_back(copy.version + " in " + copy.place);
-    Add(findings, SeveralVersions, file, Joined(places));
+    std::set<std::string> older;
+    for (const Copy& copy : copies) {
+      places.push_back(copy.version + " in " + copy.place);
+      if (copy.key != newest.key) older.insert(copy.place);
+    }
+    Texts state = places;
+    state.push_back(file);
+    found.push_back({file, Joined(places), steps.ForSeveralVersions(newest.version, older), std::move(state)});
   }
+  return found;
 }
 
 std::set<std::string> ImageFiles(const Records& records) {
@@ -209,7 +262,8 @@ std::set<std::string> ImageFiles(const Records& records) {
   return images;
 }
 
-void FindUnusedPackages(const Records& records, Findings& findings) {
+Discoveries FindUnusedPackages(const Records& records, const NextSteps& steps) {
+  Discoveries found;
   const std::set<std::string> images = ImageFiles(records);
   const auto isLoaded = [&images](const std::string& file) { return images.count(FileKey(file)) != 0; };
   for (const Record& package : records) {
@@ -220,35 +274,58 @@ void FindUnusedPackages(const Records& records, Findings& findings) {
     if (Orvane::LowerCase(package.original_inf) != Orvane::LowerCase(package.inf))
       names.insert(names.begin(), package.original_inf);
     names.erase(std::remove(names.begin(), names.end(), std::string()), names.end());
-    Add(findings, UnusedPackage, package.inf,
-        Joined(names) + (names.empty() ? "" : ": ") + "no device uses it, and no service loads a file of it (" +
-            (drivers.empty() ? "it lists no .sys file" : Joined(drivers)) + ")");
+    found.push_back({package.inf,
+                     Joined(names) + (names.empty() ? "" : ": ") +
+                         "no device uses it, and no service loads any of its files (" +
+                         (drivers.empty() ? "it lists no .sys file" : Joined(drivers)) + ")",
+                     steps.ForUnusedPackage(package),
+                     {package.inf, package.original_inf, package.provider, package.version}});
   }
+  return found;
 }
 
 constexpr std::array<HealthRule, 13> Rules = {
-    {{KnownMalicious, "images that a list knows as malicious", &FindKnown<&IsKnownMalicious, KnownMalicious>, true},
-     {KnownVulnerable, "images that a list knows as vulnerable", &FindKnown<&IsKnownVulnerable, KnownVulnerable>},
-     {SignatureInvalid, "images with a signature that does not hold", &FindInvalidSignatures},
-     {Unsigned, "images without a signature", &FindUnsigned},
-     {ListedName, "images with the name and version of a listed driver, but not that file",
-      &FindKnown<&HasListedName, ListedName>},
-     {ImageInUserFolder, "images outside the folders of Windows and of programs", &FindImagesInUserFolders},
-     {DeviceProblem, "devices for which Windows reports a problem", &FindDeviceProblems},
-     {DeviceWithoutDriver, "devices that are present and have no driver", &FindDevicesWithoutDriver},
-     {NotRunning, "boot, system and automatic start services that do not run", &FindNotRunning},
-     {ImageMissing, "services whose image is not where their configuration expects it", &FindMissingImages},
-     {NoVersionOrCompany, "drivers without a version or a company", &FindNoVersionOrCompany},
-     {SeveralVersions, "drivers of which services and OEM packages have several versions", &FindSeveralVersions},
-     {UnusedPackage, "OEM packages that no device and no service uses", &FindUnusedPackages}}};
+    {{"known-malicious", "images listed as malicious", Severity::Critical,
+      &FindKnown<&IsKnownMalicious, &NextSteps::ForMalicious>, true},
+     {"known-vulnerable", "images listed as vulnerable", Severity::High,
+      &FindKnown<&IsKnownVulnerable, &NextSteps::ForVulnerable>, true},
+     {"signature-invalid", "images whose signature is not valid", Severity::High, &FindInvalidSignatures, true},
+     {"unsigned", "images without a signature", Severity::High, &FindUnsigned, true},
+     {"listed-name", "images with the name and version of a listed driver, but a different file", Severity::Medium,
+      &FindKnown<&HasListedName, &NextSteps::ForListedName>, true},
+     {"image-in-user-folder", "images outside the Windows and program folders", Severity::High,
+      &FindImagesInUserFolders},
+     {"device-problem", "devices for which Windows reports a problem", Severity::Medium, &FindDeviceProblems},
+     {"device-without-driver", "devices that are present and have no driver", Severity::Medium,
+      &FindDevicesWithoutDriver},
+     {"not-running", "boot, system and automatic start services that are not running", Severity::Medium,
+      &FindNotRunning},
+     {"image-missing", "services whose configured image does not exist", Severity::Medium, &FindMissingImages},
+     {"no-version-or-company", "drivers without a version or a company", Severity::Low, &FindNoVersionOrCompany},
+     {"several-versions", "drivers with several versions among services and OEM packages", Severity::Low,
+      &FindSeveralVersions},
+     {"unused-package", "OEM packages that no device and no service uses", Severity::Low, &FindUnusedPackages}}};
 
 }  // namespace
 
 const std::array<HealthRule, 13>& HealthRules() { return Rules; }
 
+const HealthRule* FindHealthRule(std::string_view name) {
+  const auto found =
+      std::find_if(Rules.begin(), Rules.end(), [name](const HealthRule& rule) { return rule.name == name; });
+  return found == Rules.end() ? nullptr : &*found;
+}
+
 std::vector<Finding> Examine(const Records& records) {
-  Findings findings;
-  for (const HealthRule& rule : Rules) rule.apply(records, findings);
+  const NextSteps steps(records);
+  FindingIdentities identities;
+  std::vector<Finding> findings;
+  for (const HealthRule& rule : Rules) {
+    for (Discovery& found : rule.find(records, steps)) {
+      findings.push_back({std::string(rule.name), std::move(found.subject), std::move(found.evidence), rule.severity,
+                          std::move(found.nextStep), identities.Next(rule.name, found.state)});
+    }
+  }
   return findings;
 }
 

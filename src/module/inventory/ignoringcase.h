@@ -1,14 +1,14 @@
 /// @file
-/// Texts of which Windows ignores the case.
+/// Texts whose case Windows ignores.
 #pragma once
 
 #include <string_view>
 
 namespace inventory {
 
-/// Below, at or above 0 as Orvane::LowerCase(a) is before, at or behind Orvane::LowerCase(b) in the order of bytes.
-/// Asks Windows only where a text goes beyond ASCII, and makes no copies before that: large inventories are sorted by
-/// it. Both are UTF-8.
+/// Less than, equal to or greater than 0 if Orvane::LowerCase(a) is before, equal to or after Orvane::LowerCase(b), by
+/// bytes. Both are UTF-8. Calls Windows only for texts that are not ASCII, and makes no copies otherwise, because large
+/// inventories are sorted with it.
 int CompareIgnoringCase(std::string_view a, std::string_view b);
 
 }  // namespace inventory

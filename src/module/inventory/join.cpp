@@ -16,7 +16,7 @@ namespace {
 
 using Orvane::LowerCase;
 
-/// As the library understands paths: a slash is part of a name.
+/// Like the library, it takes a slash as part of a name.
 std::string LastComponent(const std::string& path) { return path.substr(path.rfind('\\') + 1); }
 
 // --- Services
@@ -31,7 +31,7 @@ class ListedServices {
     }
   }
 
-  /// The one whose image is at `path`; null when there is none.
+  /// The service whose image is at `path`; null if there is no such service.
   const ListedDriver* At(const std::string& path) const {
     const auto found = m_byPath.find(LowerCase(path));
     return found == m_byPath.end() ? nullptr : found->second;

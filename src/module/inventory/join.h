@@ -1,5 +1,5 @@
 /// @file
-/// Makes records of what the listing library lists and of what Windows says. Pure: asks nobody.
+/// Makes records from the listings of the library and the facts from Windows. Pure: calls neither of them.
 #pragma once
 
 #include <functional>
@@ -14,7 +14,7 @@
 
 namespace inventory {
 
-/// What the version resource of an image says.
+/// The texts in the version resource of an image.
 struct ImageTexts {
   std::string description;
   std::string company;
@@ -22,7 +22,7 @@ struct ImageTexts {
   std::string product_version;
 };
 
-/// All that is known of one machine.
+/// All facts about one machine.
 struct Facts {
   /// The library's listings of devices and of services.
   std::vector<ListedDriver> listedDevices;
@@ -37,10 +37,9 @@ struct Facts {
 /// each kind in the order of KeyOf().
 ///
 /// A service takes the texts of its image from the listed service with the same path. The library looks for images by
-/// their file names alone, so it may list another file of that name, or none; then `readImage` is asked for the image
-/// at the service's own path. A name under which only the library lists a service goes to the service that it was
-/// listed for. A device takes its names from the listed devices: those that its identity and the files of its package
-/// make, as far as the library lists them.
+/// file name alone, so it may list another file of that name or no file; then `readImage` reads the image at the path
+/// of the service. A name under which only the library lists a service goes to the service for which it was listed. A
+/// device gets every name that can be built from its identity and the files of its package and that the library lists.
 Records Join(const Facts& facts, const std::function<ImageTexts(const std::string& path)>& readImage);
 
 }  // namespace inventory

@@ -13,7 +13,8 @@
 
 namespace inventory {
 
-/// The library's own conversions. That the type is ours makes Json one, whose destruction can be ours.
+/// The conversions of the JSON library. With a type of our own, Json is a class of its own, whose destruction we can
+/// define.
 template <typename T, typename Enable>
 struct JsonConversion : nlohmann::adl_serializer<T, Enable> {};
 
@@ -21,7 +22,7 @@ struct JsonConversion : nlohmann::adl_serializer<T, Enable> {};
 using Json = nlohmann::basic_json<nlohmann::ordered_map, std::vector, std::string, bool, std::int64_t, std::uint64_t,
                                   double, std::allocator, JsonConversion>;
 
-/// Destroys what a value of JSON owns, and gives its memory back as the library got it.
+/// Destroys the contents of a JSON value and frees its memory the way the library allocated it.
 template <typename T>
 void DestroyOwned(T* owned) noexcept {
   std::destroy_at(owned);
@@ -30,9 +31,9 @@ void DestroyOwned(T* owned) noexcept {
 
 }  // namespace inventory
 
-/// Destroys an array or an object by its own destructor. The library's definition first moves the elements into a
-/// vector, so that deep nesting does not use up the stack; but that vector needs memory, in a destructor, and the
-/// process ends where there is none. Documents nest a few levels only.
+/// Destroys an array or an object with its own destructor. The definition in the library first moves the elements into
+/// a vector, so that deep nesting does not exhaust the stack. But that vector allocates memory in a destructor, and the
+/// process ends if there is none. Our documents nest only a few levels deep.
 template <>
 inline void inventory::Json::json_value::destroy(value_t type) {
   switch (type) {
@@ -45,7 +46,7 @@ inline void inventory::Json::json_value::destroy(value_t type) {
     case value_t::binary:
       return inventory::DestroyOwned(binary);
     default:
-      // The others own nothing.
+      // The other types own nothing.
       return;
   }
 }
@@ -58,13 +59,14 @@ constexpr unsigned SchemaVersion = 2;
 /// "schema_version" and the members of `head`: how every document begins. Unknown ones are left out.
 Json HeadJson(const Head& head);
 
-/// Sets a member of `object`, unless there is no value.
+/// Sets a member of `object` if there is a value.
 void AddValue(Json& object, std::string_view name, const Value& value);
 
 /// Sets all members that `record` has.
 void AddMembers(Json& object, const Record& record);
 
-/// One line without an end; indented by two blanks a level when `isIndented`. What is not UTF-8 is replaced by U+FFFD.
+/// One line without a line break; with `isIndented`, several lines indented by two blanks per level. Bytes that are not
+/// UTF-8 are replaced by U+FFFD.
 std::string JsonText(const Json& json, bool isIndented);
 
 }  // namespace inventory

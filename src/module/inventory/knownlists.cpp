@@ -11,7 +11,7 @@
 namespace inventory {
 namespace {
 
-/// Of the list beside the program; empty where there is none.
+/// Path of the list next to the program; empty if there is no such file.
 std::string ShippedList() {
   std::wstring path(1 << 15, L'\0');
   path.resize(GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size())));

@@ -1,5 +1,5 @@
 /// @file
-/// The lists of known drivers that images are looked up in.
+/// The lists of known drivers in which images are looked up.
 #pragma once
 
 #include <stdexcept>
@@ -15,8 +15,8 @@ struct UnusableList : std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-/// The lists in the files at `paths` (UTF-8). Without any, that of known-drivers.json beside the program, or no list
-/// where there is no such file. Throws UnusableList: nothing is looked up in part of a list.
+/// The lists in the files at `paths` (UTF-8). Without paths, the list in known-drivers.json next to the program, or no
+/// list if there is no such file. Throws UnusableList rather than using only part of a list.
 trust::KnownDrivers ReadKnownLists(const std::vector<std::string>& paths);
 
 }  // namespace inventory

@@ -38,6 +38,7 @@ constexpr ListingField Of(std::string_view name, std::string_view label, ValueTy
   field.source = source;
   field.width = width;
   field.floor = 15;
+  field.isWhole = IsWhole(type);
   return field;
 }
 
@@ -53,9 +54,18 @@ constexpr ListingField Title(ListingField field) {
   return field;
 }
 
-constexpr ListingField Path(ListingField field) {
+constexpr ListingField KeepsEnd(ListingField field) {
   field.keepsEnd = true;
-  field.isForWideTables = true;
+  return field;
+}
+
+constexpr ListingField Leaves(unsigned place, ListingField field) {
+  field.leavesAs = place;
+  return field;
+}
+
+constexpr ListingField Whole(ListingField field) {
+  field.isWhole = true;
   return field;
 }
 
@@ -64,14 +74,14 @@ using T = ValueType;
 
 // `date` and `size` are texts, as the library gives them; the size is ordered as the number that it is.
 constexpr std::array<ListingField, 14> Fields = {
-    Title(Shown(1, 1, 26, Of("name", "Name", T::Text, &D::name, 18))),
+    Title(Shown(1, 1, 20, Of("name", "Name", T::Text, &D::name, 18))),
     Shown(0, 2, 10, Of("description", "Description", T::Text, &D::description, 20)),
-    Shown(5, 3, 10, Of("provider", "Provider", T::Text, &D::provider, 15)),
-    Path(Shown(6, 9, 24, Of("path", "Path", T::Text, &D::path, 22))),
+    Leaves(2, Shown(5, 3, 8, Of("provider", "Provider", T::Text, &D::provider, 15))),
+    Leaves(1, KeepsEnd(Shown(6, 9, 16, Of("path", "Path", T::Text, &D::path, 22)))),
     Shown(2, 4, 15, Of("file_version", "Version", T::Version, &D::file_version, 14)),
-    Shown(3, 5, 15, Of("state", "State", T::Text, &D::state, 9)),
-    Shown(4, 6, 15, Of("start_type", "Start", T::Text, &D::start_type, 10)),
-    Shown(0, 7, 15, Of("date", "Image date", T::Text, &D::date, 16)),
+    Leaves(4, Whole(Shown(3, 5, 15, Of("state", "State", T::Text, &D::state, 9)))),
+    Leaves(3, Whole(Shown(4, 6, 15, Of("start_type", "Start", T::Text, &D::start_type, 10)))),
+    Whole(Shown(0, 7, 15, Of("date", "Image date", T::Text, &D::date, 16))),
     Shown(0, 8, 15, Of("size", "Size, KiB", T::Number, &D::size, 7)),
     Of("product_version", "Product version", T::Version, &D::product_version, 14),
     Of("reserved1", "Reserved 1", T::Text, &D::reserved1, 10),

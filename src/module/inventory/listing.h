@@ -1,5 +1,5 @@
 /// @file
-/// The listing library's own answer, exactly as a host gets it but in UTF-8. The one door to that library.
+/// The result of the listing library, exactly as a host gets it but in UTF-8. The only place that calls the library.
 #pragma once
 
 #include <array>
@@ -27,7 +27,7 @@ struct ListedDriver {
   std::string reserved1;
   std::string reserved2;
   std::vector<std::string> reserved_list;
-  /// Always there.
+  /// Always set.
   std::optional<std::uint64_t> found_by_device = 0;
 };
 
@@ -36,19 +36,19 @@ using ListingField = MemberOf<ListedDriver>;
 /// All fields of a listed driver, in the order of the library's record.
 const std::array<ListingField, 14>& ListingFields();
 
-/// What `driver` has of `field`. Unlike ValueOf(), an empty text is a value: it is what the library said.
+/// The value of `field` in `driver`. Unlike for ValueOf(), an empty text is a value, because the library returned it.
 Value FieldOf(const ListedDriver& driver, const ListingField& field);
 
-/// Which listing: that of present devices, that of registered services, or both and the OEM packages merged.
+/// Which listing: of present devices, of registered services, or both merged with the OEM packages.
 enum class ListingMode { ByDevice, Registered, All };
 
 /// "by-device", "registered" or "all".
 std::string_view ModeName(ListingMode mode);
 
-/// Asks the library. What it found before in this process it may answer again.
+/// Calls the library, which may return cached results from earlier in this process.
 std::vector<ListedDriver> Listed(ListingMode mode);
 
-/// Whether version `a` is older than `b` by the library's own order. It contradicts itself where numbers and texts mix;
+/// Whether version `a` is older than `b` in the library's own order, which is circular if numbers and texts are mixed;
 /// sort by VersionKey() instead.
 bool IsOlder(const std::string& a, const std::string& b);
 

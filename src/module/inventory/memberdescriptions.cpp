@@ -12,19 +12,18 @@ constexpr unsigned AllKinds = S | D | P | KindBit(Kind::Chipset);
 
 constexpr std::array<MemberDescription, 36> Descriptions = {
     {{"kind", AllKinds, "service, device, package or chipset"},
-     {"name", AllKinds,
-      "the name by which the library lists it: that of the image, or of the device with its identity"},
-     {"description", AllKinds, "what the image, the device or the package says that it is"},
-     {"provider", AllKinds, "who made it"},
+     {"name", AllKinds, "the name under which the library lists it, such as the file name of the image"},
+     {"description", AllKinds, "description in the image, the device or the package"},
+     {"provider", AllKinds, "the maker"},
      {"version", AllKinds,
       "version of the image, of the package, or of the package that the device was installed from"},
      {"product_version", S, "product version of the image"},
      {"version_key", AllKinds, "the version as a text whose byte order is the order of versions"},
-     {"service", S | D, "name of the service; of the service that drives the device"},
+     {"service", S | D, "name of the service; for a device, the service that drives it"},
      {"path", S, "full path of the configured image"},
      {"state", S, "Running, Stopped, Paused, or one of Start, Stop, Continue and Pause Pending"},
      {"start_type", S, "Boot Start, System Start, Automatic, Manual or Disabled"},
-     {"image_missing", S, "true when there is no file at the path"},
+     {"image_missing", S, "true if there is no file at the path"},
      {"image_time", S, "creation time of the image, UTC"},
      {"size", S, "size of the image in bytes"},
      {"inf", P | D, "published name of the package, such as oem3.inf"},
@@ -32,7 +31,7 @@ constexpr std::array<MemberDescription, 36> Descriptions = {
      {"inf_date", P | D, "date of the package"},
      {"class", P | D, "setup class, such as Net"},
      {"files", P, "the files that the package lists"},
-     {"devices_using", P, "how many devices, present or not, were installed from it or are extended by it"},
+     {"devices_using", P, "number of devices, present or not, that were installed from it or are extended by it"},
      {"instance_id", D, "instance identifier"},
      {"hardware_id", D, "most specific hardware identifier"},
      {"identity", D, "vendor, device and subsystem"},
@@ -40,15 +39,15 @@ constexpr std::array<MemberDescription, 36> Descriptions = {
      {"problem_code", D, "number of the problem that Windows reports"},
      {"problem", D, "name of that problem"},
      {"sha256", S, "verified: SHA-256 of the file"},
-     {"image_sha256", S, "verified: SHA-256 of the image, which stays the same when it is signed again"},
+     {"image_sha256", S, "verified: SHA-256 of the image, which stays the same when the file is signed again"},
      {"signature", S, "verified: valid, invalid, unsigned or unknown"},
      {"signature_problem", S, "verified: why it is not valid"},
      {"signature_kind", S, "verified: embedded or catalog"},
      {"catalog", S, "verified: file name of the catalog with the signature"},
-     {"signer", S, "verified: common name of the certificate that signed"},
+     {"signer", S, "verified: common name of the signing certificate"},
      {"signer_thumbprint", S, "verified: SHA-1 of that certificate"},
      {"signed_at", S, "verified: time of the time stamp, UTC"},
-     {"known", S, "verified: entries of lists of known drivers that know the image"}}};
+     {"known", S, "verified: entries in lists of known drivers that match the image"}}};
 
 }  // namespace
 

@@ -1,5 +1,5 @@
 /// @file
-/// What the members of a record are, in words for people.
+/// Descriptions of the members of a record, for people.
 #pragma once
 
 #include <string>
@@ -12,14 +12,14 @@ namespace inventory {
 
 struct MemberDescription {
   std::string_view name;
-  /// A bit for each kind of records that have it: KindBit().
+  /// A bit for each kind of record that has it: KindBit().
   unsigned kinds;
   std::string_view meaning;
 };
 
 constexpr unsigned KindBit(Kind kind) { return 1u << static_cast<unsigned>(kind); }
 
-/// One for each of Members(), in their order.
+/// One for each of Members(), in the same order.
 const std::vector<MemberDescription>& MemberDescriptions();
 
 /// The kinds of records that have it: "all", or "service, device".

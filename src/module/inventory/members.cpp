@@ -47,17 +47,16 @@ class Making : public Member {
     source = itsSource;
     width = itsWidth;
     floor = 12;
+    isWhole = IsWhole(itsType);
   }
 
-  constexpr Making& Table(unsigned place, unsigned itsFloor) {
+  constexpr Making& Table(unsigned place, unsigned itsFloor, unsigned leaves = 0) {
     tablePlace = place;
     floor = itsFloor;
+    leavesAs = leaves;
     return *this;
   }
-  constexpr Making& WideTable(unsigned place, unsigned itsFloor) {
-    isForWideTables = true;
-    return Table(place, itsFloor);
-  }
+  constexpr Making& Whole() { return Set(isWhole, true); }
   constexpr Making& Page(unsigned place) { return Set(pagePlace, place); }
   constexpr Making& Title() { return Set(isTitle, true); }
   constexpr Making& KeepsEnd() { return Set(keepsEnd, true); }
@@ -75,21 +74,21 @@ using R = Record;
 using T = ValueType;
 
 constexpr std::array<Member, 36> All = {
-    M("kind", "Kind", T::Text, &KindText, 8).Table(1, 7).Page(1),
-    M("name", "Name", T::Text, &R::name, 18).Table(2, 20).Page(2).Title(),
+    M("kind", "Kind", T::Text, &KindText, 10).Table(1, 7).Whole().Page(1),
+    M("name", "Name", T::Text, &R::name, 18).Table(2, 18).Page(2).Title(),
     M("description", "Description", T::Text, &R::description, 20).Page(3),
-    M("provider", "Provider", T::Text, &R::provider, 15).Table(6, 10).Page(4).Compared().Introduces(),
+    M("provider", "Provider", T::Text, &R::provider, 15).Table(6, 8, 5).Page(4).Compared().Introduces(),
     M("version", "Version", T::Version, &R::version, 16).Table(3, 15).Page(5).Compared().Introduces(),
     M("product_version", "Product version", T::Version, &R::product_version, 16).Compared(),
     M("version_key", "Version key", T::Text, &VersionKeyText, 20),
-    M("service", "Service", T::Text, &R::service, 12).WideTable(7, 8).Page(6).ComparedInAnyCase(),
-    M("path", "Path", T::Text, &R::path, 22).WideTable(9, 24).Page(11).KeepsEnd().ComparedInAnyCase().Introduces(),
-    M("state", "State", T::Text, &R::state, 9).Table(4, 7).Page(7).Compared(),
-    M("start_type", "Start", T::Text, &R::start_type, 10).Table(5, 12).Page(8).Compared(),
+    M("service", "Service", T::Text, &R::service, 12).Table(7, 8, 3).Page(6).ComparedInAnyCase(),
+    M("path", "Path", T::Text, &R::path, 22).Table(9, 18, 1).Page(11).KeepsEnd().ComparedInAnyCase().Introduces(),
+    M("state", "State", T::Text, &R::state, 9).Table(4, 7, 7).Whole().Page(7).Compared(),
+    M("start_type", "Start", T::Text, &R::start_type, 10).Table(5, 12, 6).Whole().Page(8).Compared(),
     M("image_missing", "Image missing", T::Flag, &R::image_missing, 8).Compared(),
     M("image_time", "Image time", T::Time, &R::image_time, 14).Page(9),
     M("size", "Size, bytes", T::Number, &R::size, 11).Compared(),
-    M("inf", "INF", T::Text, &R::inf, 10).WideTable(8, 9).Page(10).ComparedInAnyCase(),
+    M("inf", "INF", T::Text, &R::inf, 10).Table(8, 9, 2).Page(10).ComparedInAnyCase(),
     M("original_inf", "Delivered as", T::Text, &R::original_inf, 12).ComparedInAnyCase(),
     M("inf_date", "INF date", T::Date, &R::inf_date, 10).Compared(),
     M("class", "Class", T::Text, &R::class_name, 10).Compared(),
@@ -103,11 +102,11 @@ constexpr std::array<Member, 36> All = {
     M("problem", "Problem", T::Text, &ProblemText, 16),
     M("sha256", "SHA-256", T::Text, &R::sha256, 20).Verified(),
     M("image_sha256", "SHA-256 of the image", T::Text, &R::image_sha256, 20).Verified().ComparedInSameVersion(),
-    M("signature", "Signature", T::Text, &R::signature, 9).Verified().Table(10, 9).Page(12).ComparedIfKnown(),
+    M("signature", "Signature", T::Text, &R::signature, 9).Verified().Table(10, 9).Whole().Page(12).ComparedIfKnown(),
     M("signature_problem", "Problem of the signature", T::Text, &R::signature_problem, 24).Verified(),
-    M("signature_kind", "Kind of signature", T::Text, &R::signature_kind, 9).Verified(),
+    M("signature_kind", "Kind of signature", T::Text, &R::signature_kind, 9).Verified().Whole(),
     M("catalog", "Catalog", T::Text, &R::catalog, 14).Verified(),
-    M("signer", "Signer", T::Text, &R::signer, 18).Verified().WideTable(11, 12).Page(13).ComparedIfKnown(),
+    M("signer", "Signer", T::Text, &R::signer, 18).Verified().Table(11, 12, 4).Page(13).ComparedIfKnown(),
     M("signer_thumbprint", "Thumbprint of the signer", T::Text, &R::signer_thumbprint, 20).Verified(),
     M("signed_at", "Signed", T::Time, &R::signed_at, 14).Verified(),
     M("known", "Known as", T::Known, &KnownText, 30).Verified().Table(12, 16).Page(14)};

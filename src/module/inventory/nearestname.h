@@ -1,5 +1,5 @@
 /// @file
-/// What someone may have meant who wrote a name that there is not.
+/// Suggestions for a name that does not exist.
 #pragma once
 
 #include <string>
@@ -8,8 +8,8 @@
 
 namespace inventory {
 
-/// The one of `names` that is most like `name`: a few letters are missing, added, exchanged or others, or one is a part
-/// of the other. Empty when no name is near.
+/// The one of `names` that is most similar to `name`: a few letters are missing, added, swapped or different, or one
+/// name contains the other. Empty if no name is similar.
 std::string_view NearestName(std::string_view name, const std::vector<std::string_view>& names);
 
 }  // namespace inventory

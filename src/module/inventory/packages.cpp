@@ -38,7 +38,7 @@ class Inf {
 
   explicit operator bool() const { return static_cast<bool>(m_inf); }
 
-  /// Field `index` (the first is 1) of the line `key`; empty when there is none.
+  /// Field `index` (the first is 1) of the line `key`; empty if there is no such field.
   std::string LineField(const std::wstring& section, const std::wstring& key, DWORD index) {
     INFCONTEXT line{};
     return SetupFindFirstLineW(m_inf.get(), section.c_str(), key.c_str(), &line) ? Field(line, index) : std::string();
@@ -80,7 +80,7 @@ class Inf {
   }
 
  private:
-  /// Field `index` of a line, its key at 0; empty when there is none.
+  /// Field `index` of a line (0 is its key); empty if there is no such field.
   static std::string Field(INFCONTEXT& line, DWORD index) {
     std::array<wchar_t, 4096> text{};
     if (!SetupGetStringFieldW(&line, index, text.data(), static_cast<DWORD>(text.size()), nullptr)) return {};

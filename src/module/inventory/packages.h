@@ -19,17 +19,17 @@ struct PackageFacts {
   /// Date part of DriverVer, as "2024-05-06".
   std::string date;
   std::string class_name;
-  /// Name of the disk that the first ".sys" file is on.
+  /// Name of the disk with the first ".sys" file.
   std::string disk;
-  /// Files of its sections (infsections.h), each spelling once: the library lists "net.sys" and "NET.SYS" as two.
+  /// Files in its sections (infsections.h), each spelling once: the library lists "net.sys" and "NET.SYS" as two files.
   std::vector<std::string> files;
 };
 
-/// Every "oem*.inf" of the inf directory, in the order of their numbers, then the others that `inUse` names (in any
-/// case) and that are there. Each is opened once; one that cannot be read has nothing but its name.
+/// Every "oem*.inf" of the inf directory, in the order of their numbers, then the others that `inUse` names (ignoring
+/// case) and that exist. Each is opened once; a package that cannot be read has only its name.
 std::vector<PackageFacts> ReadPackages(const std::set<std::string>& inUse);
 
-/// "MM/DD/YYYY" or "M-D-YYYY" as "YYYY-MM-DD"; empty for any other text, and for a day that no calendar has.
+/// "MM/DD/YYYY" or "M-D-YYYY" as "YYYY-MM-DD"; empty for any other text and for a day that does not exist.
 std::string IsoDate(const std::string& date);
 
 }  // namespace inventory

@@ -1,5 +1,5 @@
 /// @file
-/// Patterns that texts are like, or not. All are UTF-8, and case does not count.
+/// Patterns that texts match or not. All are UTF-8, and case does not count.
 #pragma once
 
 #include <string>
@@ -9,21 +9,21 @@
 
 namespace inventory {
 
-/// Whether "*" or "?" is in `text`.
+/// Whether `text` contains "*" or "?".
 bool HasWildcards(std::string_view text);
 
-/// A pattern for many texts.
+/// A pattern, to be matched with many texts.
 class Pattern {
  public:
-  /// For whole texts: "*" is any text, also an empty one, "?" is one character, any other character is itself.
+  /// Matches whole texts: "*" is any text, even an empty one, "?" is one character, and any other character is itself.
   explicit Pattern(std::string_view pattern);
 
-  /// For texts that hold `text`; where that has wildcards, a pattern for whole texts.
+  /// Matches texts that contain `text`; if `text` has wildcards, it is a pattern for whole texts.
   static Pattern Search(std::string_view text);
 
   bool Matches(std::string_view text) const;
 
-  /// Whether the text of `value` matches; one of them, if it has several. No value is the empty text.
+  /// Whether the text of `value`, or one of its texts, matches. No value counts as the empty text.
   bool Matches(const Value& value) const;
 
  private:

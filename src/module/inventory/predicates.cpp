@@ -62,4 +62,10 @@ bool IsThirdParty(const Record& record) { return !BeginsWith(Orvane::LowerCase(r
 
 bool IsKnownVersion(std::string_view version) { return !version.empty() && version != "N/A"; }
 
+bool IsVerified(const Inventory& inventory) {
+  const Records& records = inventory.records;
+  return inventory.isVerified ||
+         std::any_of(records.begin(), records.end(), [](const Record& record) { return IsVerified(record); });
+}
+
 }  // namespace inventory

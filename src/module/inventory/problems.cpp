@@ -5,7 +5,7 @@
 namespace inventory {
 namespace {
 
-/// By code; 0 is no problem.
+/// By code; 0 means no problem.
 constexpr std::array<std::string_view, 58> Names = {"",
                                                     "CM_PROB_NOT_CONFIGURED",
                                                     "CM_PROB_DEVLOADER_FAILED",

@@ -1,5 +1,5 @@
 /// @file
-/// How far the library is, by its log.
+/// The progress of the library, read from its log.
 #pragma once
 
 #include <optional>
@@ -8,8 +8,8 @@
 
 namespace inventory {
 
-/// What a line of the library's log (ANSI code page) says about the way of a listing, such as "device
-/// 8086-15F3-1028-0A5C" or "package oem3.inf", in UTF-8. Nothing for a line that says nothing about it.
+/// The progress that a line of the library's log (ANSI code page) reports, such as "device 8086-15F3-1028-0A5C" or
+/// "package oem3.inf", in UTF-8. Nullopt for a line that reports no progress.
 std::optional<std::string> ProgressText(std::string_view logLine);
 
 }  // namespace inventory

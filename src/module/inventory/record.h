@@ -1,5 +1,5 @@
 /// @file
-/// What is known of one real thing on a machine that has to do with its drivers.
+/// The facts about one real thing on a machine that has to do with its drivers.
 #pragma once
 
 #include <cstdint>
@@ -11,17 +11,17 @@
 
 #include "trust/knownmatch.h"
 
-/// All that is known of a machine's drivers. Every text is UTF-8.
+/// Everything known about a machine's drivers. Every text is UTF-8.
 namespace inventory {
 
 /// What a record is about.
 enum class Kind {
-  /// A driver service, also one whose image is missing. Its key is `service`.
+  /// A driver service, even if its image is missing. Its key is `service`.
   Service,
   /// A present device that the device inventory knows. Its key is `instance_id`.
   Device,
-  /// An INF package: every OEM package, and every other one that a device of the inventory was installed from. Its key
-  /// is `inf`.
+  /// An INF package: every OEM package, and every other package that a device of the inventory was installed from. Its
+  /// key is `inf`.
   Package,
   /// A chipset package of the registry. Its key is `name`.
   Chipset
@@ -33,21 +33,22 @@ std::string_view KindName(Kind kind);
 /// The kind of that name.
 std::optional<Kind> KindNamed(std::string_view name);
 
-/// One service, device, package or chipset package. Unknown, or not applicable, is empty (false for a flag). The
-/// members are those of the documents, whose table is in members.h.
+/// One service, device, package or chipset package. A member that is unknown or does not apply is empty (false for a
+/// flag). The members are those of the documents; members.h has their table.
 struct Record {
-  /// What the record is about, and so which members apply.
+  /// What the record is about; it determines which members apply.
   Kind kind = Kind::Service;
 
-  /// The name by which the listing library lists it, where it lists it. Service: file name of the image, cut before its
-  /// first "." and given ".sys". Device: the first of `names`, else `identity`. Package: its first ".sys" file, else
-  /// the name under which it was delivered, else `inf`. Chipset: "intel_chipset", "amd_chipset" or "amd_ppd".
+  /// The name under which the listing library lists it, if it does. Service: file name of the image up to its first
+  /// ".", followed by ".sys". Device: the first of `names`, otherwise `identity`. Package: its first ".sys" file,
+  /// otherwise the name under which it was delivered, otherwise `inf`. Chipset: "intel_chipset", "amd_chipset" or
+  /// "amd_ppd".
   std::string name;
-  /// Service: FileDescription of the image. Device: its friendly name, else its description. Package: name of the disk
-  /// that its first driver file is on, else `provider`. Chipset: a fixed text.
+  /// Service: FileDescription of the image. Device: its friendly name, otherwise its description. Package: name of the
+  /// disk with its first driver file, otherwise `provider`. Chipset: a fixed text.
   std::string description;
-  /// Service: CompanyName of the image. Device: provider of the installed package, else the manufacturer of a device
-  /// without driver. Package: Provider. Chipset: "Intel" or "Amd".
+  /// Service: CompanyName of the image. Device: provider of the installed package, or the manufacturer of a device
+  /// without a driver. Package: Provider. Chipset: "Intel" or "Amd".
   std::string provider;
   /// Service: file version of the image. Device: version of the installed package. Package: version part of DriverVer.
   /// Chipset: version that the installer registered.
@@ -57,7 +58,7 @@ struct Record {
 
   /// Service: its name. Device: name of the service that drives it.
   std::string service;
-  /// Service: full path of the configured image, whether it is there or not.
+  /// Service: full path of the configured image, whether the file exists or not.
   std::string path;
   /// Service: "Stopped", "Start Pending", "Stop Pending", "Running", "Continue Pending", "Pause Pending" or "Paused".
   std::string state;
@@ -94,38 +95,38 @@ struct Record {
   /// Device: problem that Windows reports for it; never 0.
   std::optional<std::uint64_t> problem_code;
 
-  // Service: what its image is by Verify(); all are empty for an inventory that was not verified. Hashes are
+  // Service: results of Verify() for its image; all are empty if the inventory was not verified. Hashes are
   // hexadecimal, in lower case.
 
   /// Of the file.
   std::string sha256;
   /// Of the image (Authenticode): it stays the same when the image is signed again.
   std::string image_sha256;
-  /// "valid", "invalid", "unsigned" or "unknown"; empty where there is no image.
+  /// "valid", "invalid", "unsigned" or "unknown"; empty if there is no image.
   std::string signature;
   /// Why it is not valid: the platform's sentence and code.
   std::string signature_problem;
   /// "embedded" or "catalog".
   std::string signature_kind;
-  /// File name of the catalog that holds the signature.
+  /// File name of the catalog that contains the signature.
   std::string catalog;
-  /// Common name of the certificate that signed.
+  /// Common name of the signing certificate.
   std::string signer;
   /// SHA-1 of that certificate.
   std::string signer_thumbprint;
   /// Time of the time stamp, UTC, "2024-05-06T07:08:09Z".
   std::string signed_at;
-  /// The entries of the lists of known drivers that know it.
+  /// The entries in lists of known drivers that match it.
   std::vector<trust::KnownMatch> known;
 };
 
-/// A deque: a large snapshot is read without ever needing its room twice.
+/// A deque, because it grows without copying: reading a large snapshot never needs its memory twice.
 using Records = std::deque<Record>;
 
-/// The member by which a record is found in another inventory of the machine, as Windows or a file wrote it.
+/// The member by which a record is found in another inventory of the machine, in its original spelling.
 const std::string& KeyTextOf(const Record& record);
 
-/// That member in lower case, since Windows ignores the case of all of them: the key of the record.
+/// The key of the record: that member in lower case, because Windows ignores the case of all of them.
 std::string KeyOf(const Record& record);
 
 }  // namespace inventory

@@ -56,7 +56,7 @@ class OldestByName {
   std::map<std::string, Record> m_records;
 };
 
-/// The names under which the library lists a package; none where its INF lacks what a record needs.
+/// The names under which the library lists a package; empty if its INF lacks something that a record needs.
 std::vector<std::string> ListedNames(const Record& package) {
   std::vector<std::string> names;
   if (package.version.empty() || package.provider.empty()) return names;

@@ -1,9 +1,9 @@
 /// @file
-/// Inventories as the program recorded them before records knew what they are about: schema 1.
+/// Schema 1: inventories as the program recorded them before records said what they are about.
 ///
-/// Its records were the library's: those of the device listing, those of the service listing that have an image, and
-/// those OEM packages that the merged listing keeps. Nothing but its name says which service, device or package a
-/// record is about, and one name may be several records.
+/// Its records were the library's: the device listing, the services that have an image, and the OEM packages that the
+/// merged listing keeps. Only the name of a record says which service, device or package it is about, and several
+/// records may have the same name.
 #pragma once
 
 #include <array>
@@ -20,23 +20,23 @@ struct Schema1Member {
   std::string Record::*member;
 };
 
-/// What records of both schemas have, by its name in schema 1.
+/// The members that both schemas have, with their names in schema 1.
 const std::array<Schema1Member, 8>& Schema1Members();
 
-/// The member by which schema 1 says what a record is about.
+/// The member with which schema 1 says what a record is about.
 constexpr std::string_view Schema1KindMember = "found_by";
 
-/// What a record is about; nothing where `foundBy` is none of "service", "device" and "package". Chipset packages were
-/// found as devices.
+/// What a record is about; nullopt if `foundBy` is not "service", "device" or "package". Chipset packages were recorded
+/// as devices.
 std::optional<Kind> Schema1Kind(std::string_view foundBy, const std::string& name);
 
-/// What schema 1 would have recorded of `records`: Schema1Members() of
-/// - services whose image is there;
-/// - devices by each of `names`, the oldest version of each name, and, as devices too, the driver files of their
+/// The records that schema 1 would have made from `records`: Schema1Members() of
+/// - services whose image exists;
+/// - devices under each of `names`, the oldest version of each name, and, also as devices, the driver files of their
 ///   packages;
 /// - chipset packages;
-/// - OEM packages by each driver file, the oldest version of each name, unless a device has that name, or a service has
-///   it in the same or an older version.
+/// - OEM packages under each driver file, the oldest version of each name, unless a device has that name, or a service
+///   has that name and the same or an older version.
 Records AsSchema1(const Records& records);
 
 }  // namespace inventory

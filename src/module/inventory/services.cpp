@@ -49,7 +49,7 @@ std::vector<Enumerated> DriverServices(SC_HANDLE manager) {
     if (!isAll && GetLastError() != ERROR_MORE_DATA) return services;
     AppendEntries(buffer, count, services);
     if (isAll) return services;
-    // Nothing came although more is there: an entry does not fit, or there is no way forward.
+    // No entry was returned although there are more: an entry does not fit, or the enumeration is stuck.
     if (count == 0 && (needed <= buffer.size() || buffer.size() >= largest)) return services;
     buffer.resize(std::min(std::max<std::size_t>(buffer.size(), needed), largest));
   }

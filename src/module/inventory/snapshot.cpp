@@ -23,13 +23,14 @@ using Orvane::JsonType;
 constexpr char KindMember[] = "kind";
 constexpr char SnapshotKind[] = "driverlist snapshot";
 constexpr char SchemaMember[] = "schema_version";
+constexpr char LookedUpMember[] = "looked_up";
 constexpr char DriversMember[] = "drivers";
 constexpr char KnownMember[] = "known";
 
 /// Whether a record has `member` itself, rather than by what follows from others.
 bool IsOwn(const Member& member) { return !std::holds_alternative<std::string (*)(const Record&)>(member.source); }
 
-/// What a file says of itself, outside the records.
+/// The members of a file outside the records.
 struct Document {
   std::string kind;
   std::optional<std::uint64_t> schema;
@@ -43,7 +44,7 @@ struct Document {
 };
 
 std::string Mismatch(const std::string& name, const std::string& found, const std::string& expected) {
-  return name + " is " + found + ", where " + expected + " is expected";
+  return name + " is " + found + ", but should be " + expected;
 }
 
 std::string Described(JsonType type) { return std::string(Orvane::JsonTypeName(type)); }
@@ -201,14 +202,14 @@ class SnapshotReader final : public JsonEvents {
   Place EnterDrivers() {
     m_document.hasDrivers = true;
     if (!m_document.IsReadable()) return Place::Elsewhere;
-    if (m_hasReadDrivers) throw DamagedJson("is damaged: it has drivers twice");
+    if (m_hasReadDrivers) throw DamagedJson("is damaged: it has the member drivers twice");
     m_hasReadDrivers = true;
     m_sources = SourcesOf(*m_document.schema);
     return Place::Drivers;
   }
 
   Place EnterRecord() {
-    if (m_count == MostRecords) throw InputProblem("holds more than 1,000,000 drivers");
+    if (m_count == MostRecords) throw InputProblem("contains more than 1,000,000 drivers");
     ++m_count;
     m_inventory.records.emplace_back();
     m_source = nullptr;
@@ -269,6 +270,8 @@ class SnapshotReader final : public JsonEvents {
     } else if (std::string* const text = HeadText()) {
       if (value.type != JsonType::Text) return Note(m_document.problem, value.type, "a text");
       *text = value.text;
+    } else if (m_name == LookedUpMember) {
+      m_inventory.isLookedUp = value.type == JsonType::True;
     } else if (m_name == DriversMember) {
       Note(m_document.problem, value.type, "an array");
     }
@@ -313,7 +316,7 @@ class SnapshotReader final : public JsonEvents {
     }
     if (!m_problem.empty()) throw DamagedJson("is damaged: " + NamedOwner() + ": " + m_problem);
     record.kind = *kind;
-    // What the library says of a device without driver.
+    // The version that the library gives a device without a driver.
     if (isOfSchema1 && !IsKnownVersion(record.version)) record.version.clear();
     if (m_isSettled && m_isSettled(record, Schema())) m_inventory.records.pop_back();
   }
@@ -362,7 +365,7 @@ void Examine(const Document& document) {
   }
   if (document.schema.value_or(0) > SchemaVersion) {
     throw InputProblem("was written by a newer driverlist: its schema version is " + std::to_string(*document.schema) +
-                       ", and this one reads " + std::to_string(SchemaVersion));
+                       ", but this driverlist reads only up to " + std::to_string(SchemaVersion));
   }
   if (!document.problem.empty()) throw DamagedJson("is damaged: " + document.problem);
   if (!document.IsReadable()) throw DamagedJson("is damaged: it has no schema_version");
@@ -375,6 +378,7 @@ std::string SnapshotText(const Inventory& inventory) {
   Json document = Json::object();
   document[KindMember] = SnapshotKind;
   document.update(HeadJson(inventory.head));
+  if (inventory.isLookedUp) document[LookedUpMember] = true;
   return ListJson(std::move(document), RecordsJson(inventory.records));
 }
 

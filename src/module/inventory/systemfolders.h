@@ -9,19 +9,19 @@
 
 namespace inventory {
 
-/// The folders below which administrators and Windows put images. Asks nothing of Windows, so that snapshots of other
-/// machines can be examined: the folder of Windows is the one before "\System32\" in most paths of services, else
-/// "Windows" on any drive.
+/// The folders where administrators and Windows install images. Makes no Windows calls, so it can examine snapshots of
+/// other machines: the Windows folder is the folder before "\System32\" in most service paths, otherwise "Windows" on
+/// any drive.
 class SystemFolders {
  public:
   explicit SystemFolders(const Records& records);
 
-  /// Whether `path` is in the folder of Windows, in a "Program Files" folder of any drive, or where Windows keeps the
-  /// updates of its virus scanner. True for a path without drive, which Windows itself made.
+  /// Whether `path` is in the Windows folder, in a "Program Files" folder on any drive, or in the folder of updates for
+  /// the Windows virus scanner. True for a path without a drive, which only Windows itself makes.
   bool Hold(std::string_view path) const;
 
  private:
-  /// In lower case, with "\" at the end; empty when no path shows it.
+  /// In lower case, with "\" at the end; empty if no path contains it.
   std::string m_windows;
 };
 

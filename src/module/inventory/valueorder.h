@@ -1,5 +1,5 @@
 /// @file
-/// The order of values, one for sorting and for comparing.
+/// The order of values, the same for sorting and for comparing.
 #pragma once
 
 #include <cstdint>
@@ -9,7 +9,7 @@
 
 namespace inventory {
 
-/// What a value is ordered by.
+/// The key by which a value is ordered.
 struct OrderKey {
   /// Unknown values come first.
   bool isKnown = false;
@@ -19,8 +19,8 @@ struct OrderKey {
 
 bool operator<(const OrderKey& a, const OrderKey& b);
 
-/// Versions are ordered by their VersionKey(), numbers as numbers, also where they are texts, as in the listings of the
-/// library; all else by the bytes of its text. A version that says nothing is unknown.
+/// Versions are ordered by their VersionKey(); numbers as numbers, even if they are texts, as in the listings of the
+/// library; everything else by the bytes of its text. A version without a value ("N/A") is unknown.
 OrderKey OrderKeyOf(const Value& value, ValueType type);
 
 }  // namespace inventory

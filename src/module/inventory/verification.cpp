@@ -110,21 +110,32 @@ class Verifier {
     return !m_verification.progress || m_verification.progress(done, m_images.size());
   }
 
-  /// The next image to look at; null when there is no further one.
-  const Image* Next(bool reports) {
+  /// The next image to verify; null if there is no further one.
+  const Image* Next() {
     const std::lock_guard<std::mutex> lock(m_mutex);
     if (m_isStopped || m_failure || m_next == m_images.size()) return nullptr;
-    if (reports && !Report(m_next)) {
-      m_isStopped = true;
-      return nullptr;
-    }
     return &m_images[m_next++];
+  }
+
+  /// Tells how far the verification is. False if it shall stop. The other threads go on meanwhile.
+  bool GoesOn() {
+    std::size_t done = 0;
+    {
+      const std::lock_guard<std::mutex> lock(m_mutex);
+      done = m_next;
+    }
+    if (done == m_images.size() || Report(done)) return true;
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    m_isStopped = true;
+    return false;
   }
 
   /// Only the thread that asked reports: not every host can be called on a thread that it does not know.
   void Work(bool reports) {
     try {
-      while (const Image* const image = Next(reports)) {
+      while (!reports || GoesOn()) {
+        const Image* const image = Next();
+        if (image == nullptr) return;
         const Finding finding = LookAt(image->path);
         // No other image has these records.
         for (Record* const service : image->services) Set(finding, *service);

@@ -1,5 +1,5 @@
 /// @file
-/// Whether the images of an inventory's services are what they say they are.
+/// Verifies the images of an inventory's services.
 #pragma once
 
 #include <cstddef>
@@ -11,18 +11,19 @@
 namespace inventory {
 
 struct Verification {
-  /// The lists to look images up in; null for no list. Is asked by several threads.
+  /// The lists in which images are looked up; null for no list. Several threads use it.
   const trust::KnownDrivers* known = nullptr;
-  /// Called on the thread that asked, before each image that this thread looks at and once after the last: how many of
-  /// how many are begun. When it is false no further image is begun.
+  /// Called on the calling thread, before each image that this thread reads and once after the last, with the number of
+  /// images begun and the number of all images. If it returns false, no further image is begun.
   std::function<bool(std::size_t done, std::size_t all)> progress;
-  /// How many images are read at a time; 0 for as many as there are processors.
+  /// The number of images read at the same time; 0 for the number of processors.
   unsigned threads = 0;
 };
 
-/// Sets what `records` say of the images of services: hashes, signature, signer, and which lists know them. A service
-/// without image is left as it is; an image that cannot be read has the state "unknown". Services that share a file
-/// share what is read of it, under whatever name. False when `progress` ended it: then some records are set.
+/// Fills in the members of `records` about the images of services: hashes, signature, signer, and matches in lists. A
+/// service without an image stays unchanged; an image that cannot be read has the state "unknown". Services that share
+/// a file, under whatever names, share the results. Returns false if `progress` stopped it; then only some records are
+/// filled in.
 bool Verify(Records& records, const Verification& verification);
 
 }  // namespace inventory

@@ -9,7 +9,7 @@
 
 namespace inventory {
 
-/// Such as "C:\windows"; empty when the system does not say.
+/// Such as "C:\windows"; empty if the system does not report it.
 inline std::wstring WindowsDirectory() {
   std::array<wchar_t, MAX_PATH> path{};
   const UINT length = GetSystemWindowsDirectoryW(path.data(), MAX_PATH);
