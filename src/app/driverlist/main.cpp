@@ -9,6 +9,7 @@
 #include "inventory/knownlists.h"
 #include "log.h"
 #include "platform/encoding.h"
+#include "terminal/interruption.h"
 #include "terminal/logfile.h"
 
 namespace driverlist {
@@ -50,6 +51,7 @@ int Run(const std::vector<std::string>& arguments) {
 }  // namespace driverlist
 
 int wmain(int argc, wchar_t** argv) {
+  driverlist::EndCleanlyWhenInterrupted();
   try {
     std::vector<std::string> arguments;
     for (int i = 1; i < argc; ++i) arguments.push_back(Orvane::Utf8FromWide(argv[i]));

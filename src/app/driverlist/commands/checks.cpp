@@ -4,6 +4,8 @@
 #include <set>
 #include <utility>
 
+#include "inventory/nearestname.h"
+
 namespace driverlist {
 
 std::string Joined(const std::vector<std::string>& names) {
@@ -33,7 +35,17 @@ Check Check::Offering(std::vector<std::string> choices) const {
 Check OneOf(std::vector<std::string> names) {
   const Check check = [names](const std::string& value) {
     const bool isKnown = std::find(names.begin(), names.end(), value) != names.end();
-    return isKnown ? std::string() : "\"" + value + "\" is none of " + Joined(names);
+    return isKnown ? std::string() : "\"" + value + "\" is not one of " + Joined(names);
+  };
+  return check.Offering(std::move(names));
+}
+
+Check Named(const std::string& what, std::vector<std::string> names) {
+  const Check check = [what, names](const std::string& value) {
+    if (std::find(names.begin(), names.end(), value) != names.end()) return std::string();
+    const std::string_view nearest = inventory::NearestName(value, {names.begin(), names.end()});
+    return "there is no " + what + " \"" + value + "\"; " +
+           (nearest.empty() ? "there are " + Joined(names) : "did you mean \"" + std::string(nearest) + "\"?");
   };
   return check.Offering(std::move(names));
 }
@@ -60,7 +72,7 @@ Check Count() {
     constexpr std::size_t mostDigits = 9;
     const bool isNumber = !value.empty() && value.find_first_not_of("0123456789") == std::string::npos;
     const bool isCount = isNumber && value.size() <= mostDigits && value.find_first_not_of('0') != std::string::npos;
-    return isCount ? std::string() : "\"" + value + "\" is no number from 1 to 999999999";
+    return isCount ? std::string() : "\"" + value + "\" is not a number from 1 to 999999999";
   };
 }
 

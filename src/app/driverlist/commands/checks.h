@@ -1,6 +1,6 @@
 /// @file
-/// What can be wrong with the value of an option. A check returns what, in words that go on behind the option's name,
-/// or an empty text.
+/// Checks of option values. A check returns what is wrong with a value, in words that continue after the name of the
+/// option, or an empty text.
 #pragma once
 
 #include <functional>
@@ -17,7 +17,7 @@ class Check {
   template <typename Function, typename = std::enable_if_t<std::is_invocable_r_v<std::string, Function, std::string>>>
   Check(Function check) : m_check(std::move(check)) {}  // NOLINT(google-explicit-constructor): a function is a check.
 
-  /// Of the same check, which takes no value but these, for completion.
+  /// The only values that the check accepts, for completion.
   Check Offering(std::vector<std::string> choices) const;
 
   std::string operator()(const std::string& value) const { return m_check(value); }
@@ -31,22 +31,25 @@ class Check {
 /// "a, b, c".
 std::string Joined(const std::vector<std::string>& names);
 
-/// "a,b,c" as three texts. One text, an empty one, for an empty one.
+/// "a,b,c" as three texts. An empty text gives one empty text.
 std::vector<std::string> SplitAtCommas(const std::string& text);
 
 /// One of `names`.
 Check OneOf(std::vector<std::string> names);
 
+/// One of `names`, which are what is called `what`. For another name, the nearest is offered, or all.
+Check Named(const std::string& what, std::vector<std::string> names);
+
 /// Some of `names`, joined by commas, each once.
 Check SomeOf(std::vector<std::string> names);
 
-/// Not empty; `what` it is called then.
+/// Not empty; `what` names the value in the sentence.
 Check NotEmpty(const std::string& what);
 
 /// A whole number from 1.
 Check Count();
 
-/// A SHA-256 in hexadecimal digits, in either case.
+/// A SHA-256 in hexadecimal digits, in upper or lower case.
 Check Digest();
 
 }  // namespace driverlist

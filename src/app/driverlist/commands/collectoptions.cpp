@@ -5,7 +5,7 @@ namespace driverlist {
 
 void AddCollectOptions(CLI::App& command, Options& options) {
   AddValue(command, "--unless-digest", options.knownDigest, "HEX", Digest(),
-           "Write the first line only when the digest of the records is still this one");
+           "Write only the first line if the digest of the records is still this one");
   AddOutput(command, options);
   AddHostAndLog(command, options);
 }

@@ -1,5 +1,5 @@
 /// @file
-/// Which columns a list can show.
+/// The columns that a list can show.
 #pragma once
 
 #include <vector>
@@ -8,10 +8,10 @@
 
 namespace driverlist {
 
-/// All columns of the library's listing when there is a `mode`, else those of the inventory.
+/// All columns of the library's listing if there is a `mode`, otherwise those of the inventory.
 std::vector<inventory::Column> ColumnsOf(const std::optional<inventory::ListingMode>& mode);
 
-/// Those of `columns` that `format` shows when the user chooses none, of an inventory that is verified or not.
+/// Those of `columns` that `format` shows by default; they depend on whether the inventory is verified.
 std::vector<inventory::Column> DefaultColumns(const std::vector<inventory::Column>& columns, Format format,
                                               bool isVerified);
 

@@ -11,8 +11,8 @@
 
 namespace driverlist {
 
-/// All commands with their options. What is parsed goes to `options`, which must outlive it. Its help is as wide as
-/// HelpText says.
+/// All commands with their options. Parsing fills `options`, which must outlive it. Its help is as wide as HelpText
+/// says.
 std::unique_ptr<CLI::App> MakeCommandLine(Options& options, std::size_t helpWidth);
 
 }  // namespace driverlist

@@ -1,5 +1,5 @@
 /// @file
-/// The options of each command, one room each. What is parsed of them goes to `options`, which must outlive `command`.
+/// The options of each command, one file each. Parsing fills `options`, which must outlive `command`.
 #pragma once
 
 #include <CLI/CLI.hpp>
@@ -12,6 +12,8 @@ void AddListOptions(CLI::App& command, Options& options);
 void AddSnapshotOptions(CLI::App& command, Options& options);
 void AddDiffOptions(CLI::App& command, Options& options);
 void AddHealthOptions(CLI::App& command, Options& options);
+void AddBaselineOptions(CLI::App& command, Options& options);
+void AddCheckOptions(CLI::App& command, Options& options);
 void AddCollectOptions(CLI::App& command, Options& options);
 void AddHelpOptions(CLI::App& command, Options& options);
 

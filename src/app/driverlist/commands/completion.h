@@ -6,7 +6,7 @@
 
 namespace driverlist {
 
-/// A PowerShell script that registers it, made from the option table.
+/// A PowerShell script that registers the completion, generated from the option table.
 std::string CompletionScript();
 
 }  // namespace driverlist

@@ -10,20 +10,20 @@
 
 namespace driverlist {
 
-/// The exit code when something goes wrong: 2 where 1 already means something else.
+/// The exit code if something goes wrong: 2 if 1 already means something else.
 int TroubleCode(const Options& options);
 
 /// Writes `sentence` to standard error, as Visible() shows it, and returns `exitCode`.
 int Fail(int exitCode, const std::string& sentence);
 
-/// Writes `text` to where `options` say, and returns `exitCode`; fails when it cannot be written.
+/// Writes `text` to the place that `options` name and returns `exitCode`; fails if it cannot be written.
 int Deliver(const Options& options, const std::string& text, int exitCode);
 
-/// The same with what `format` makes for the page that `options` mean: a table on a terminal is as wide as that, and
-/// coloured where the terminal and the user allow it; everything else has neither width nor colours.
+/// The same for the text that `format` makes for a page: a table on a terminal is as wide as the terminal, and coloured
+/// if the terminal and the user allow it; anything else has neither width nor colours.
 int Deliver(const Options& options, const std::function<std::string(const Page&)>& format, int exitCode);
 
-/// Whether a progress line may show: the user asked neither for quiet nor for a log.
+/// Whether a progress line may be shown: the user asked neither for --quiet nor for a log.
 bool WantsProgress(const Options& options);
 
 }  // namespace driverlist

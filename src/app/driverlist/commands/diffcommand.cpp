@@ -1,10 +1,10 @@
-#include <algorithm>
 #include <utility>
 
 #include "commands/commands.h"
 #include "commands/delivery.h"
 #include "commands/source.h"
 #include "formats/diffformats.h"
+#include "formats/html/htmldiff.h"
 #include "inventory/comparison.h"
 #include "inventory/documents.h"
 #include "inventory/predicates.h"
@@ -16,7 +16,7 @@ inventory::Comparison Compared(const Options& options) {
   inventory::Inventory before = ReadSnapshotFile(options.file);
   // What only one of the two knows cannot be compared.
   Options live = options;
-  live.verify = std::any_of(before.records.begin(), before.records.end(), &inventory::IsVerified);
+  live.verify = inventory::IsVerified(before);
   inventory::Comparer comparer(std::move(before));
   if (options.newFile == Live) return comparer.Compare(LiveInventory(live));
   const auto isSettled = [&comparer](const inventory::Record& record, unsigned schema) {
@@ -25,15 +25,18 @@ inventory::Comparison Compared(const Options& options) {
   return comparer.Compare(ReadSnapshotFile(options.newFile, isSettled));
 }
 
+std::string Formatted(const inventory::Comparison& comparison, const Options& options, const Page& page) {
+  if (options.format == Format::Table) return FormatDiffTable(comparison, page);
+  const inventory::Head head = inventory::ThisMachine(options.hostId);
+  return options.format == Format::Json ? inventory::ComparisonJson(comparison, head)
+                                        : FormatDiffHtml(comparison, head);
+}
+
 }  // namespace
 
 int RunDiff(const Options& options) {
   const inventory::Comparison comparison = Compared(options);
-  const auto format = [&](const Page& page) {
-    return options.format == Format::Json
-               ? inventory::ComparisonJson(comparison, inventory::ThisMachine(options.hostId))
-               : FormatDiffTable(comparison, page);
-  };
+  const auto format = [&](const Page& page) { return Formatted(comparison, options, page); };
   return Deliver(options, format, comparison.differences.empty() ? 0 : 1);
 }
 

@@ -4,7 +4,9 @@
 
 #include "commands/checks.h"
 #include "commands/columns.h"
+#include "formats/rowlines.h"
 #include "formats/rows.h"
+#include "formats/wrapped.h"
 #include "inventory/listing.h"
 #include "inventory/memberdescriptions.h"
 
@@ -15,19 +17,15 @@ namespace {
 constexpr std::size_t WidthOfNames = 45;
 constexpr std::size_t Narrowest = 20;
 
-std::string Paragraph(const std::string& text, std::size_t width) {
-  std::string lines;
-  for (const std::string& line : Wrapped(text, width)) lines += line + "\n";
-  return lines;
-}
-
-std::vector<std::vector<TextCell>> Rows(std::size_t room) {
-  std::vector<std::vector<TextCell>> rows;
+/// Meanings go on below where there is no more room; 0 for as much as they need.
+TextRows Rows(std::size_t room) {
+  TextRows rows;
   for (const inventory::MemberDescription& member : inventory::MemberDescriptions()) {
     const inventory::ValueType type = inventory::FindMember(member.name)->type;
     std::vector<TextCell> row = {
         {std::string(member.name)}, {std::string(inventory::TypeName(type))}, {inventory::KindsText(member)}, {}};
-    for (const std::string& line : Wrapped(std::string(member.meaning), room)) {
+    const std::string meaning(member.meaning);
+    for (const std::string& line : room > 0 ? Wrapped(meaning, room) : std::vector{meaning}) {
       row.back().text = line;
       rows.push_back(row);
       row = {{}, {}, {}, {}};
@@ -39,8 +37,11 @@ std::vector<std::vector<TextCell>> Rows(std::size_t room) {
 }  // namespace
 
 std::string MembersHelp(std::size_t width) {
-  const std::size_t room = std::max(width, WidthOfNames + Narrowest) - WidthOfNames;
-  return FormatRows({{"member"}, {"type"}, {"of"}, {"what"}}, Rows(room), Page()) + "\n" +
+  const bool isNarrow = width < WidthOfNames + Narrowest;
+  const std::vector<RowColumn> columns = {{"member"}, {"type"}, {"of"}, {"what"}};
+  const std::string members =
+      isNarrow ? RowLines(columns, Rows(0), {width, false}) : FormatRows(columns, Rows(width - WidthOfNames), Page());
+  return members + "\n" +
          Paragraph(
              "Versions, numbers, times and dates can be compared with <, <=, > and >=. \"driverlist help list\" says "
              "how.",

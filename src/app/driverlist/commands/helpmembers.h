@@ -7,7 +7,7 @@
 
 namespace driverlist {
 
-/// All members with their types, the kinds of records that have them, and what they are, in lines of up to `width`
+/// All members with their types, the kinds of records that have them and their descriptions, in lines of up to `width`
 /// columns; then the fields of the library's listings.
 std::string MembersHelp(std::size_t width);
 

@@ -15,10 +15,9 @@ std::vector<std::string> Topics() {
 }  // namespace
 
 void AddHelpOptions(CLI::App& command, Options& options) {
-  AddValue(
-      command, "TOPIC", options.topic, "", OneOf(Topics()),
-      "A command; or members: what is known of a driver; man: the manual page; completion: a script that completes "
-      "driverlist in PowerShell");
+  AddValue(command, "TOPIC", options.topic, "", OneOf(Topics()),
+           "A command, or one of: members (the members of a driver record), man (the manual page), completion (a "
+           "script that completes driverlist in PowerShell)");
 }
 
 }  // namespace driverlist

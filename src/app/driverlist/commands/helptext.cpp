@@ -5,7 +5,7 @@
 
 #include "commands/commandtable.h"
 #include "commands/optiontable.h"
-#include "formats/rows.h"
+#include "formats/wrapped.h"
 #include "terminal/output.h"
 
 namespace driverlist {
@@ -81,7 +81,7 @@ std::string HelpText::make_option_opts(const CLI::Option* option) const {
 
 std::string HelpText::make_option_desc(const CLI::Option* option) const {
   const std::string byDefault = option->get_default_str();
-  return Lines(option->get_description() + (byDefault.empty() ? "" : "; " + byDefault + " without it"),
+  return Lines(option->get_description() + (byDefault.empty() ? "" : " (default: " + byDefault + ")"),
                m_width - m_namesWidth - Indent);
 }
 

@@ -1,5 +1,5 @@
 /// @file
-/// How help is laid out.
+/// The layout of the help.
 #pragma once
 
 #include <CLI/CLI.hpp>
@@ -8,14 +8,13 @@
 
 namespace driverlist {
 
-/// Columns of help that goes to no terminal.
+/// Width of help that is not written to a terminal.
 constexpr std::size_t UsualHelpWidth = 79;
 
-/// Columns of the terminal behind standard output, else UsualHelpWidth.
+/// Width of the terminal behind standard output, otherwise UsualHelpWidth.
 std::size_t HelpWidth();
 
-/// Lines of up to `width` columns, except those of examples, which are to be copied. The commands are those of the
-/// command table.
+/// Lines of up to `width` columns, except examples, which users copy. The commands are those in the command table.
 class HelpText : public CLI::Formatter {
  public:
   explicit HelpText(std::size_t width);
@@ -29,7 +28,7 @@ class HelpText : public CLI::Formatter {
 
  private:
   std::size_t m_width;
-  /// Of the names of options, in front of their descriptions.
+  /// Width of the column of option names.
   std::size_t m_namesWidth;
 };
 

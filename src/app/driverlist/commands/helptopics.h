@@ -1,5 +1,5 @@
 /// @file
-/// What "driverlist help" explains besides commands.
+/// The topics that "driverlist help" explains besides commands.
 #pragma once
 
 #include <string_view>

@@ -1,12 +1,16 @@
 #include <algorithm>
 #include <numeric>
+#include <optional>
 #include <utility>
+#include <vector>
 
 #include "commands/commands.h"
 #include "commands/delivery.h"
 #include "commands/source.h"
 #include "formats/formats.h"
+#include "formats/healthformats.h"
 #include "formats/html/htmlformat.h"
+#include "inventory/healthrules.h"
 #include "inventory/predicates.h"
 #include "terminal/output.h"
 #include "terminal/progress.h"
@@ -24,6 +28,9 @@ struct List {
   Table table;
   /// What the rows of the table are; empty when they are no records of the inventory.
   Records records;
+  /// For a page: what deserves a look in the whole inventory, and notes on that, where its images were verified.
+  std::optional<std::vector<inventory::Finding>> findings = std::nullopt;
+  std::vector<std::string> notes = {};
 };
 
 bool IsChosen(const Record& record, const Options& options) {
@@ -43,12 +50,17 @@ List ListedDrivers(const Options& options, inventory::ListingMode mode) {
 /// The inventory, or the part of it that was asked for.
 List ListedRecords(const Options& options) {
   inventory::Inventory inventory = ChosenInventory(options);
-  Records records;
-  for (Record& record : inventory.records) {
-    if (IsChosen(record, options)) records.push_back(std::move(record));
+  List list;
+  if (options.format == Format::Html && inventory::IsVerified(inventory)) {
+    list.findings = inventory::Examine(inventory.records);
+    if (inventory.isVerified) list.notes.push_back(ListsText(inventory.lists, inventory.head.time));
   }
-  Table table = TableOf(records);
-  return {{std::move(inventory.head), {}}, std::move(table), std::move(records)};
+  for (Record& record : inventory.records) {
+    if (IsChosen(record, options)) list.records.push_back(std::move(record));
+  }
+  list.head.head = std::move(inventory.head);
+  list.table = TableOf(list.records);
+  return list;
 }
 
 List Listed(const Options& options) {
@@ -80,26 +92,25 @@ List Selected(List list, const Options& options) {
   std::vector<std::size_t> rows = ChosenRows(list.table, options.selection, list.head.head.time);
   if (!options.groupBy.empty()) return Counted(std::move(list), rows, options);
   SortAndCut(list.table, options.selection, rows);
-  return {std::move(list.head), driverlist::PartOf(std::move(list.table), rows, options.columns),
-          PartOf(std::move(list.records), rows)};
+  list.table = driverlist::PartOf(std::move(list.table), rows, options.columns);
+  list.records = PartOf(std::move(list.records), rows);
+  return list;
 }
 
-/// Some columns have no place on a narrow page, unless they were asked for.
-Table FitFor(const Page& page, Table table, const Options& options) {
-  // A terminal of 120 columns, whose last stays empty.
-  constexpr std::size_t wide = 119;
-  if (options.columnsChosen || !options.groupBy.empty() || page.width == 0 || page.width >= wide) return table;
-  std::vector<Column> columns;
-  std::copy_if(table.columns.begin(), table.columns.end(), std::back_inserter(columns),
-               [](const Column& column) { return !column.isForWideTables; });
-  std::vector<std::size_t> rows(table.rows.size());
-  std::iota(rows.begin(), rows.end(), std::size_t{0});
-  return driverlist::PartOf(std::move(table), rows, columns);
+/// The table of `list`. Columns that the user asked for stay on a narrow page, and so do those of groups, which no
+/// option brings back.
+Table ForTerminal(Table table, const Options& options) {
+  if (!options.columnsChosen && options.groupBy.empty()) return table;
+  for (Column& column : table.columns) column.leavesAs = 0;
+  return table;
 }
 
 std::string FormattedPage(const Options& options, const List& list) {
   const bool showsRecords = !options.mode && options.groupBy.empty();
-  return FormatHtml(list.table, {list.head.head, list.head.mode, showsRecords ? &list.records : nullptr});
+  HtmlContext context = {list.head.head, list.head.mode, showsRecords ? &list.records : nullptr};
+  context.findings = list.findings ? &*list.findings : nullptr;
+  context.notes = list.notes;
+  return FormatHtml(list.table, context);
 }
 
 std::string Formatted(const Options& options, List list, const Page& page) {
@@ -115,9 +126,10 @@ std::string Formatted(const Options& options, List list, const Page& page) {
     case Format::Markdown:
       return FormatMarkdown(list.table);
     case Format::Table:
+    case Format::JUnit:
       break;
   }
-  return FormatTable(FitFor(page, std::move(list.table), options), page);
+  return FormatTable(ForTerminal(std::move(list.table), options), page);
 }
 
 }  // namespace

@@ -124,7 +124,7 @@ void RefuseUnverified(const Options& options, const std::vector<Column>& columns
     for (const inventory::Condition& condition : alternative) {
       const Column& column = columns[condition.ColumnIndex()];
       if (column.isOfVerification) {
-        throw CLI::ValidationError("--where", "\"" + std::string(column.name) + "\" is known with --verify only");
+        throw CLI::ValidationError("--where", "\"" + std::string(column.name) + "\" is only known with --verify");
       }
     }
   }
@@ -148,7 +148,7 @@ void AddContent(CLI::App& list, Options& options) {
   AddValue(
       list, "--kind", [&options](const std::string& names) { options.kinds = KindsNamed(names); }, "KIND,...",
       SomeOf(KindNames()), "Only records of these kinds: " + Joined(KindNames()));
-  AddFlag(list, "--third-party", options.thirdPartyOnly, "Leave out what the maker of Windows made");
+  AddFlag(list, "--third-party", options.thirdPartyOnly, "Leave out everything made by the maker of Windows");
   AddValue(
       list, "--mode", [&options](const std::string& name) { options.mode = Modes().at(name); }, "MODE",
       OneOf(Names(Modes())),
@@ -160,11 +160,10 @@ void AddContent(CLI::App& list, Options& options) {
 /// How it is shown.
 void AddForm(CLI::App& list, Options& options) {
   AddFormat(list, ListFormats(), options);
-  AddFlag(
-      list, "--raw", options.csv.isRaw,
-      "With --format csv: leave texts as they are; without it, those that a spreadsheet would take for formulas get an "
-      "apostrophe in front");
-  AddFlag(list, "--bom", options.csv.hasBom, "With --format csv: begin with a byte order mark, for Excel");
+  AddFlag(list, "--raw", options.csv.isRaw,
+          "With --format csv: write texts unchanged; otherwise an apostrophe is put in front of texts that a "
+          "spreadsheet would take for formulas");
+  AddFlag(list, "--bom", options.csv.hasBom, "With --format csv: begin with a byte order mark, which Excel needs");
 }
 
 /// Which rows. What these options may name depends on the mode, so they are checked when that is known.
@@ -172,16 +171,15 @@ void AddConditions(CLI::App& list, Texts& texts, Options& options) {
   AddValue(
       list, "--match", [&options](const std::string& text) { options.selection.match = text; }, "TEXT",
       NotEmpty("text"),
-      "Only rows with a member that holds this text; case does not count, and with * (any text) or ? (one character) "
-      "it "
+      "Only rows with a member that contains this text, ignoring case; a text with * (any text) or ? (one character) "
       "is a pattern for the whole member");
   CLI::Option* const where = AddValues(
       list, "--where", texts.conditions, "CONDITION",
       "Only rows that meet this: MEMBER=PATTERN or MEMBER!=PATTERN, where * is any text and ? one character; or "
-      "MEMBER<VALUE, <=, >, >= for versions, numbers, times (2020-01-31) and ages (30d; h, d, w, y). Several "
-      "must all hold. Quote < and > for your shell");
+      "MEMBER<VALUE, <=, >, >= for versions, numbers, times (2020-01-31) and ages (30d; h, d, w, y). If there are "
+      "several, all of them must hold. Quote < and > for your shell");
   Offer(*where, ColumnNames(ColumnsOf({})));
-  list.add_flag("--or", "Begin an alternative: the conditions before it hold, or those behind it")
+  list.add_flag("--or", "Begin an alternative: either the conditions before it or those after it must hold")
       ->disable_flag_override();
 }
 
@@ -192,13 +190,12 @@ void AddArrangement(CLI::App& list, Texts& texts, Options& options) {
   Offer(*AddValue(list, "--columns", texts.columns, "MEMBER,...", takeAll,
                   "Members to show: \"driverlist help members\" lists them"),
         members);
-  Offer(
-      *AddValues(list, "--sort", texts.sort, "MEMBER,...",
-                 "Members to order by, unknown first; -MEMBER turns the order round. Versions are ordered as versions, "
-                 "numbers as numbers"),
-      members);
+  Offer(*AddValues(list, "--sort", texts.sort, "MEMBER,...",
+                   "Members to sort by; unknown values come first; -MEMBER reverses the order. Versions are ordered as "
+                   "versions, numbers as numbers"),
+        members);
   Offer(*AddValue(list, "--group-by", texts.groupBy, "MEMBER,...", takeAll,
-                  "Count the rows that have the same values of these members; --sort may name count"),
+                  "Count the rows that have the same values in these members; --sort may name count"),
         members);
   AddValue(
       list, "--first", [&options](const std::string& text) { options.selection.first = std::stoul(text); }, "N",

@@ -35,7 +35,7 @@ std::string Term(const std::string& term, const std::string& explanation) {
 
 std::string OptionText(const OptionEntry& option) {
   const std::string type = option.type.empty() ? "" : " " + Italic(option.type);
-  const std::string byDefault = option.byDefault.empty() ? "" : "; " + option.byDefault + " without it";
+  const std::string byDefault = option.byDefault.empty() ? "" : " (default: " + option.byDefault + ")";
   return Term((option.isArgument ? Italic(option.names) : Bold(option.names)) + type,
               Escaped(option.description + byDefault + "."));
 }
@@ -85,10 +85,9 @@ std::string ManPage() {
     page += ExamplesText(*command.command);
   }
   page += MembersText();
-  page +=
-      Section("EXIT STATUS") +
-      "0 is success. 2 means that the command line is wrong. Other trouble is 1, but 2 for commands for which 1 means "
-      "that something was found. One sentence on standard error says what went wrong.\n";
+  page += Section("EXIT STATUS") +
+          "0 means success, 2 means that the command line is wrong. Other trouble is 1, or 2 for commands where 1 "
+          "means that something was found. One sentence on standard error says what went wrong.\n";
   page += Section("ENVIRONMENT") + Term(Bold("NO_COLOR"), "If it is set, tables on a terminal have no colours.");
   return page;
 }

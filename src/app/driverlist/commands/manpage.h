@@ -6,7 +6,7 @@
 
 namespace driverlist {
 
-/// In the macros of man(7), made from the option table and the members.
+/// Written with the macros of man(7), generated from the option table and the members.
 std::string ManPage();
 
 }  // namespace driverlist

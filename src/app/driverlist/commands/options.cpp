@@ -15,8 +15,10 @@ std::string Sentence(const CLI::ParseError& error) {
   }
   const std::size_t flagEnd = text.find(" was given a disallowed flag override");
   if (flagEnd != std::string::npos) return "--" + text.substr(0, flagEnd) + " takes no value.";
-  const bool isRepeatable = subject == "--where" || subject == "--sort" || subject == "--known";
-  return subject + (isRepeatable ? " takes one value each time." : " takes one value, once.");
+  const bool isRepeatable = subject == "--where" || subject == "--sort" || subject == "--known" ||
+                            subject == "--rule" || subject == "--not-rule";
+  return subject +
+         (isRepeatable ? " takes one value each time it is given." : " takes one value and can be given only once.");
 }
 
 std::string UnknownArguments(const std::vector<std::string>& arguments) {

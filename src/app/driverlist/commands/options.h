@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "commands/findingselection.h"
 #include "commands/selection.h"
 #include "formats/formats.h"
 #include "inventory/listing.h"
@@ -15,49 +16,49 @@
 
 namespace driverlist {
 
-enum class Command { List, Snapshot, Diff, Health, Collect, Help };
+enum class Command { List, Snapshot, Diff, Health, Baseline, Check, Collect, Help };
 
-/// `diff` and `health` know the table and JSON.
-enum class Format { Table, Csv, Json, JsonLines, Html, Markdown };
+/// Each command supports some of them.
+enum class Format { Table, Csv, Json, JsonLines, Html, Markdown, JUnit };
 
-/// In place of a snapshot: this machine as it is now.
+/// Instead of a snapshot: this machine as it is now.
 constexpr std::string_view Live = "live";
 
-/// In place of a file to write.
+/// Instead of a file to write.
 constexpr std::string_view StandardOutput = "-";
 
-/// Options that name no command belong to all of them. Texts and paths are UTF-8.
+/// Options whose comment names no command belong to all commands. Texts and paths are UTF-8.
 struct Options {
   Command command = Command::List;
   Format format = Format::Table;
-  /// Path; standard output when empty. Not of `snapshot`.
+  /// Path; standard output if empty. Not for `snapshot`.
   std::string output;
   std::optional<int> logLevel;
-  /// Path; standard error when empty and a level was chosen.
+  /// Path; standard error if empty and a level was chosen.
   std::string logFile;
   bool quiet = false;
-  /// Identifies the machine instead of its own GUID; empty for that.
+  /// Identifies the machine instead of its GUID; empty for the GUID.
   std::string hostId;
 
-  /// Whether the images of services are verified; `diff` decides that by itself.
+  /// Whether to verify the images of services; `diff` decides this itself.
   bool verify = false;
-  /// Paths of the lists of known drivers to look them up in; the list beside the program without one.
+  /// Paths of the lists of known drivers in which to look images up; if empty, the list next to the program.
   std::vector<std::string> known;
 
-  /// `list`: the library's listing to show; without it, the inventory is shown.
+  /// `list`: the library's listing to show; if empty, the inventory is shown.
   std::optional<inventory::ListingMode> mode;
   /// `list`: kinds of records to show; empty for all. Not with a mode.
   std::vector<inventory::Kind> kinds;
   /// `list`: whether records of the maker of Windows are left out. Not with a mode.
   bool thirdPartyOnly = false;
-  /// `list`, `health`: the snapshot to show or examine instead of this machine; empty for that. Not with a mode.
+  /// `list`, `health`, `baseline`: the snapshot to show or examine; empty for this machine. Not with a mode.
   std::string from;
-  /// `list`: members whose values are counted instead of showing records.
+  /// `list`: members whose values are counted; no records are shown then.
   std::vector<inventory::Column> groupBy;
   /// `list`: whether no row, or any row, is a failure.
   bool failIfNone = false;
   bool failIfAny = false;
-  /// `list`: what to show; for the table and the page without a choice the columns that most people ask for, else all.
+  /// `list`: the columns to show; by default the most useful ones for the table and the page, otherwise all.
   std::vector<inventory::Column> columns;
   /// `list`: whether the user chose them.
   bool columnsChosen = false;
@@ -66,13 +67,20 @@ struct Options {
   /// `list`.
   CsvStyle csv;
 
-  /// `collect`: the digest of the lines that were sent before; empty to write all lines.
+  /// `collect`: the digest of the lines that were sent last; empty to write all lines.
   std::string knownDigest;
 
-  /// `snapshot`: the file to write, or StandardOutput. `diff`: the older inventory.
+  /// `snapshot`, `baseline`: the file to write, or StandardOutput. `diff`: the older inventory. `check`: the policy.
   std::string file;
   /// `diff`: the newer inventory, or Live.
   std::string newFile;
+  /// `health`, `baseline`: which findings count.
+  FindingSelection findings;
+  /// `health`: the baseline to hold against; empty for no baseline.
+  std::string baseline;
+  /// `check`: the snapshots to check instead of this machine; empty for that.
+  std::vector<std::string> fromEach;
+
   /// `help`: what to explain; empty for all commands.
   std::string topic;
 };
@@ -80,12 +88,12 @@ struct Options {
 /// What a command line asks for: options to run with, or a text to print before leaving with `exitCode`.
 struct ParsedCommandLine {
   std::optional<Options> options;
-  /// For standard output when `exitCode` is 0, else one sentence for standard error.
+  /// For standard output if `exitCode` is 0, otherwise one sentence for standard error.
   std::string text;
   int exitCode = 0;
 };
 
-/// Reads the arguments behind the program's name, in UTF-8. Those that do not begin with a command are those of `list`.
+/// Reads the arguments after the program's name, in UTF-8. Arguments that do not begin with a command belong to `list`.
 /// Help has lines of up to `helpWidth` columns.
 ParsedCommandLine ParseCommandLine(const std::vector<std::string>& arguments, std::size_t helpWidth = 79);
 

@@ -1,5 +1,5 @@
 /// @file
-/// The options of all commands as data: what help, the manual page and the completion are made from.
+/// The options of all commands as data, from which the help, the manual page and the completion are generated.
 #pragma once
 
 #include <CLI/CLI.hpp>
@@ -11,16 +11,16 @@
 namespace driverlist {
 
 struct OptionEntry {
-  /// "--format", or of an argument without option "FILE".
+  /// "--format"; for an argument without an option, "FILE".
   std::string name;
   /// All names: "-h, --help".
   std::string names;
-  /// What its value is called; empty for an option without value, and for an argument.
+  /// The name of its value; empty for an option without a value and for an argument.
   std::string type;
   std::string description;
-  /// Its value when it is not there; empty for none.
+  /// Its default value; empty if it has none.
   std::string byDefault;
-  /// Values that are worth offering; not all that there can be.
+  /// Values worth offering; not necessarily all possible values.
   std::vector<std::string> choices;
   bool isArgument = false;
   bool isRequired = false;
@@ -31,7 +31,7 @@ struct CommandOptions {
   std::vector<OptionEntry> options;
 };
 
-/// What the value of `option` is called; empty when it has none, or is an argument.
+/// The name of the value of `option`; empty if it has no value or is an argument.
 std::string TypeOf(const CLI::Option& option);
 
 /// All commands with their options, in the order of the help.

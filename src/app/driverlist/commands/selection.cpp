@@ -22,6 +22,7 @@ constexpr Column CountColumn = [] {
   column.type = inventory::ValueType::Number;
   column.width = 7;
   column.floor = 5;
+  column.isWhole = true;
   return column;
 }();
 

@@ -1,5 +1,5 @@
 /// @file
-/// Which drivers a list shows, and in which order.
+/// The drivers that a list shows, and their order.
 #pragma once
 
 #include <cstddef>
@@ -20,25 +20,25 @@ struct SortColumn {
 
 /// Texts are UTF-8.
 struct Selection {
-  /// One column at least must hold it, or be like it where it has wildcards: inventory::Pattern::Search().
+  /// At least one column must contain it, or match it if it has wildcards: inventory::Pattern::Search().
   std::optional<std::string> match;
   /// Made with the columns of the table.
   inventory::Conditions conditions;
-  /// The first counts most. Without one, the order of the table stays.
+  /// The first counts most. If empty, the order of the table stays.
   std::vector<SortColumn> sort;
-  /// How many rows to show at most.
+  /// The largest number of rows to show.
   std::optional<std::size_t> first;
 };
 
 /// The indexes of the rows that `selection` chooses, in the order of the table. Ages count from `now`.
 std::vector<std::size_t> ChosenRows(const Table& table, const Selection& selection, std::string_view now);
 
-/// Orders `rows` as `selection` says, and keeps the first of them as it says. Equal rows keep their order. Values have
-/// the order of inventory::OrderKeyOf(), and the reverse where it is descending.
+/// Sorts `rows` as `selection` says and keeps as many of the first rows as it says. Equal rows keep their order. Values
+/// have the order of inventory::OrderKeyOf(), or the reverse order if it is descending.
 void SortAndCut(const Table& table, const Selection& selection, std::vector<std::size_t>& rows);
 
-/// The groups that `rows` of `table` make by what they have of `columns`: these columns and "count", the largest groups
-/// first, those of one size in the order of their values.
+/// Groups the `rows` of `table` by their values in `columns`. The result has these columns and "count", with the
+/// largest groups first, and groups of the same size in the order of their values.
 Table Grouped(const Table& table, const std::vector<std::size_t>& rows, const std::vector<inventory::Column>& columns);
 
 /// The columns of such a table.

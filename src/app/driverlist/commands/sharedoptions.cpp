@@ -27,6 +27,14 @@ CLI::Option* AddValues(CLI::App& command, const std::string& name, std::vector<s
   return command.add_option(name, values, description)->type_name(type)->allow_extra_args(false);
 }
 
+CLI::Option* AddValues(CLI::App& command, const std::string& name, std::vector<std::string>& values,
+                       const std::string& type, const Check& check, const std::string& description) {
+  CLI::Option* const option = AddValues(command, name, values, type, description);
+  option->check(CLI::Validator([check](std::string& value) { return check(value); }, ""));
+  Offer(*option, check.Choices());
+  return option;
+}
+
 void Offer(CLI::Option& option, const std::vector<std::string>& choices) {
   if (choices.empty()) return;
   const auto acceptAll = [](std::string&) { return std::string(); };
@@ -53,17 +61,17 @@ CLI::Option* AddFile(CLI::App& command, const std::string& name, std::string& pa
 
 void AddFormat(CLI::App& command, const Formats& formats, Options& options) {
   const auto take = [&options, &formats](const std::string& name) { options.format = formats.at(name); };
-  AddValue(command, "--format", take, "FORMAT", OneOf(Names(formats)), "How to show it: " + Joined(Names(formats)))
+  AddValue(command, "--format", take, "FORMAT", OneOf(Names(formats)), "Output format: " + Joined(Names(formats)))
       ->default_str("table");
 }
 
 const Formats& ReportFormats() {
-  static const Formats formats = {{"table", Format::Table}, {"json", Format::Json}};
+  static const Formats formats = {{"table", Format::Table}, {"json", Format::Json}, {"html", Format::Html}};
   return formats;
 }
 
 void AddOutput(CLI::App& command, Options& options) {
-  AddValue(command, "--output", options.output, "FILE", NotEmpty("name"), "File to write; standard output without it");
+  AddValue(command, "--output", options.output, "FILE", NotEmpty("name"), "File to write; by default, standard output");
 }
 
 void AddKnown(CLI::App& command, Options& options) {
@@ -74,8 +82,9 @@ void AddKnown(CLI::App& command, Options& options) {
   command
       .add_option_function<std::vector<std::string>>(
           "--known", take,
-          "A list of known drivers to look them up in, instead of the one beside the program: the JSON of LOLDrivers, "
-          "a code integrity policy in XML, or what scripts/make-known-drivers made; may be given several times")
+          "A list of known drivers to look up images in, instead of known-drivers.json next to the program: the JSON "
+          "of LOLDrivers, a code integrity policy in XML, or a list made by scripts/make-known-drivers; may be given "
+          "several times")
       ->type_name("FILE")
       ->check(CLI::Validator([](std::string& value) { return NotEmpty("name")(value); }, ""))
       ->allow_extra_args(false);
@@ -85,27 +94,26 @@ void AddVerify(CLI::App& command, Options& options) {
   command
       .add_flag_callback(
           "--verify", [&options] { options.verify = true; },
-          "Read the images of services: their hashes, whether they are signed and by whom, and whether they are on a "
-          "list of known drivers")
+          "Read the images of services and report their hashes, whether they are signed and by whom, and whether they "
+          "are on a list of known drivers")
       ->disable_flag_override();
   AddKnown(command, options);
 }
 
 void AddFrom(CLI::App& command, Options& options) {
-  AddValue(command, "--from", options.from, "FILE", NotEmpty("name"),
-           "A snapshot to take instead of this machine as it is now");
+  AddValue(command, "--from", options.from, "FILE", NotEmpty("name"), FromMeaning);
 }
 
 void AddHostAndLog(CLI::App& command, Options& options) {
   AddValue(command, "--host-id", options.hostId, "TEXT", NotEmpty("identifier"),
-           "Identifies this machine; its own GUID without it, which cloned machines share");
+           "Identifier of this machine; by default its GUID, which cloned machines share");
   AddValue(
       command, "--log-level", [&options](const std::string& level) { options.logLevel = level[0] - '0'; }, "LEVEL",
       OneOf({"0", "1", "2", "3", "4"}),
-      "Log lines up to this level: 1 errors, 2 warnings, 3 devices, 4 everything; 0 for no line");
+      "Log lines up to this level: 1 errors, 2 warnings, 3 devices, 4 everything; 0 logs nothing");
   AddValue(command, "--log-file", options.logFile, "FILE", NotEmpty("name"),
-           "File to append log lines to; standard error without it");
-  AddFlag(command, "--quiet", options.quiet, "Do not show on a terminal what is being read; a log turns that off, too");
+           "File to append log lines to; by default, standard error");
+  AddFlag(command, "--quiet", options.quiet, "Show no progress on a terminal; a log turns the progress off, too");
 }
 
 void Require(const std::string& option, const Check& check, const std::string& value) {

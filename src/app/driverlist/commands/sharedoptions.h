@@ -1,5 +1,5 @@
 /// @file
-/// Options that several commands have, and how one is added to the command line.
+/// Options that several commands have, and functions that add an option to the command line.
 #pragma once
 
 #include <CLI/CLI.hpp>
@@ -13,14 +13,14 @@
 
 namespace driverlist {
 
-/// Takes a value that passed its check.
+/// Receives a value that passed its check.
 using TakeValue = std::function<void(const std::string& value)>;
 
 /// An option with a value, called `type` in the help.
 CLI::Option* AddValue(CLI::App& command, const std::string& name, const TakeValue& take, const std::string& type,
                       const Check& check, const std::string& description);
 
-/// The same for a value that is kept as it is typed.
+/// The same for a value that is stored as typed.
 CLI::Option* AddValue(CLI::App& command, const std::string& name, std::string& value, const std::string& type,
                       const Check& check, const std::string& description);
 
@@ -28,10 +28,14 @@ CLI::Option* AddValue(CLI::App& command, const std::string& name, std::string& v
 CLI::Option* AddValues(CLI::App& command, const std::string& name, std::vector<std::string>& values,
                        const std::string& type, const std::string& description);
 
+/// The same for values that each pass `check`.
+CLI::Option* AddValues(CLI::App& command, const std::string& name, std::vector<std::string>& values,
+                       const std::string& type, const Check& check, const std::string& description);
+
 /// Offers `choices` as values of `option`, for completion, without a check.
 void Offer(CLI::Option& option, const std::vector<std::string>& choices);
 
-/// What is offered as values of `option`.
+/// The values that are offered for `option`.
 std::vector<std::string> ChoicesOf(CLI::Option& option);
 
 /// An option without value.
@@ -45,8 +49,11 @@ using Formats = std::map<std::string, Format>;
 /// "--format".
 void AddFormat(CLI::App& command, const Formats& formats, Options& options);
 
-/// The formats of what is not a list of drivers.
+/// The formats of a comparison.
 const Formats& ReportFormats();
+
+/// What --from is for, in the help.
+constexpr char FromMeaning[] = "A snapshot to read instead of this machine";
 
 /// "--output".
 void AddOutput(CLI::App& command, Options& options);
@@ -54,7 +61,7 @@ void AddOutput(CLI::App& command, Options& options);
 /// "--known".
 void AddKnown(CLI::App& command, Options& options);
 
-/// "--verify" and "--known", which is of no use without the other.
+/// "--verify" and "--known", which implies it.
 void AddVerify(CLI::App& command, Options& options);
 
 /// "--from".
@@ -74,7 +81,7 @@ std::vector<std::string> Names(const std::map<std::string, Value>& values) {
 /// Throws CLI::ValidationError if `check` finds something wrong with `value` of the option.
 void Require(const std::string& option, const Check& check, const std::string& value);
 
-/// Throws CLI::ValidationError if both options are there.
+/// Throws CLI::ValidationError if both options are given.
 void RefuseTogether(const CLI::App& command, const std::string& option, const std::string& other);
 
 }  // namespace driverlist

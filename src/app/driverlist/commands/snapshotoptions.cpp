@@ -5,7 +5,7 @@ namespace driverlist {
 
 void AddSnapshotOptions(CLI::App& command, Options& options) {
   AddFile(command, "FILE", options.file,
-          "File to write; a former one stays whole until the new one is; - is standard output");
+          "File to write, replaced only when the new one is complete; - is standard output");
   AddVerify(command, options);
   AddHostAndLog(command, options);
 }

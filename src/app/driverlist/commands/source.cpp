@@ -31,13 +31,13 @@ void NoteMissingLists(const Options& options, const trust::KnownDrivers& known) 
 
 }  // namespace
 
+UnusableInput Unusable(const std::string& path, const inventory::InputProblem& problem) {
+  const std::string sentence = path + " " + problem.what();
+  return UnusableInput(sentence + (sentence.back() == '?' ? "" : "."));
+}
+
 inventory::Inventory ReadSnapshotFile(const std::string& path, const inventory::IsSettled& isSettled) {
-  try {
-    inventory::InputFile file(path);
-    return inventory::ReadSnapshot(file, isSettled);
-  } catch (const inventory::InputProblem& problem) {
-    throw UnusableSnapshot(path + " " + problem.what() + ".");
-  }
+  return ReadInputFile(path, [&isSettled](std::streambuf& text) { return inventory::ReadSnapshot(text, isSettled); });
 }
 
 inventory::Inventory LiveInventory(const Options& options) {
@@ -53,17 +53,19 @@ inventory::Inventory LiveInventory(const Options& options) {
   return inventory::Collect({options.hostId, nullptr, VerificationOf(known, progress)});
 }
 
-inventory::Inventory ChosenInventory(const Options& options) {
-  if (options.from.empty()) return LiveInventory(options);
-  inventory::Inventory inventory = ReadSnapshotFile(options.from);
+inventory::Inventory SnapshotInventory(const std::string& path) {
+  inventory::Inventory inventory = ReadSnapshotFile(path);
   if (inventory.schema < inventory::SchemaVersion) {
-    throw UnusableSnapshot(options.from +
-                           " was written by an older driverlist, which kept too little of each driver: only "
-                           "diff reads it.");
+    throw UnusableInput(
+        path + " was written by an older driverlist, which kept too little about each driver: only diff can read it.");
   }
   // The machine and the time are those of the snapshot; the document is made now.
   inventory.head.tool_version = inventory::ToolVersion();
   return inventory;
+}
+
+inventory::Inventory ChosenInventory(const Options& options) {
+  return options.from.empty() ? LiveInventory(options) : SnapshotInventory(options.from);
 }
 
 }  // namespace driverlist

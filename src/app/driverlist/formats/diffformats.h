@@ -1,5 +1,5 @@
 /// @file
-/// How the program shows people what differs between two inventories, in UTF-8.
+/// Shows the differences between two inventories to people, in UTF-8.
 #pragma once
 
 #include <string>
@@ -10,7 +10,7 @@
 namespace driverlist {
 
 /// A line for each inventory, a row for each member that differs, and a line of counts. Rows of a group are indented
-/// below those of its first record.
+/// below those of its first record. On a page that is too narrow for both values, each record is a paragraph.
 std::string FormatDiffTable(const inventory::Comparison& comparison, const Page& page);
 
 }  // namespace driverlist

@@ -1,10 +1,10 @@
 #include "formats/healthformats.h"
 
-#include <algorithm>
 #include <cstdio>
 #include <optional>
 
-#include "formats/rows.h"
+#include "formats/evidencerows.h"
+#include "formats/wrapped.h"
 #include "inventory/documents.h"
 #include "terminal/text.h"
 
@@ -13,28 +13,11 @@ namespace {
 
 using inventory::Finding;
 using inventory::HealthRule;
+using inventory::Severity;
 
-/// Columns of a page that `findings` leave for their evidence; 0 for any.
-std::size_t RoomForEvidence(const std::vector<Finding>& findings, std::size_t pageWidth) {
-  constexpr std::size_t gap = 2;
-  constexpr std::size_t narrowest = 20;
-  std::size_t taken = gap;
-  for (const Finding& finding : findings) taken = std::max(taken, Columns(Visible(finding.subject)) + gap);
-  if (pageWidth == 0) return 0;
-  return pageWidth > taken + narrowest ? pageWidth - taken : narrowest;
-}
-
-/// A row per finding; evidence that is too long for the page goes on below.
-std::vector<std::vector<TextCell>> Rows(const std::vector<Finding>& findings, Tone tone, std::size_t pageWidth) {
-  const std::size_t room = RoomForEvidence(findings, pageWidth);
-  std::vector<std::vector<TextCell>> rows;
-  for (const Finding& finding : findings) {
-    std::string subject = finding.subject;
-    for (const std::string& piece : room > 0 ? Wrapped(finding.evidence, room) : std::vector{finding.evidence}) {
-      rows.push_back({{subject, tone}, {piece}});
-      subject.clear();
-    }
-  }
+std::vector<EvidenceRow> Rows(const std::vector<Finding>& findings) {
+  std::vector<EvidenceRow> rows;
+  for (const Finding& finding : findings) rows.push_back({finding.subject, finding.evidence, finding.nextStep});
   return rows;
 }
 
@@ -66,18 +49,21 @@ std::string ListText(const trust::KnownList& list, const std::string& time) {
   return text + " (" + std::to_string(list.entries) + (list.entries == 1 ? " entry)" : " entries)");
 }
 
-std::string FindingsText(const std::vector<Finding>& findings, const Page& page) {
-  if (findings.empty()) return "nothing found\n";
+std::string Heading(const HealthRule& rule, std::size_t count) {
+  std::string text = rule.severity == Severity::Critical ? "!!! " : "";
+  text.append(rule.name).append(" (").append(rule.meaning).append("), ");
+  return text.append(SeverityName(rule.severity)).append(": ") + std::to_string(count);
+}
+
+std::string FindingsText(const std::vector<Finding>& findings, bool isHeldAgainstBaseline, const Page& page) {
+  if (findings.empty()) return isHeldAgainstBaseline ? "nothing new found\n" : "nothing found\n";
   std::string text;
   for (const HealthRule& rule : inventory::HealthRules()) {
     const std::vector<Finding> found = FindingsOf(rule, findings);
     if (found.empty()) continue;
     if (!text.empty()) text += "\n";
-    if (rule.isAlarm) text += "!!! ";
-    text.append(rule.name).append(" (").append(rule.meaning).append("): ");
-    text += std::to_string(found.size()) + "\n";
-    text += FormatRows({{"what", 24}, {"evidence", 20}},
-                       Rows(found, rule.isAlarm ? Tone::Bad : Tone::Doubtful, page.width), page);
+    text += Paragraph(Heading(rule, found.size()), page.width);
+    text += FormatEvidence(Rows(found), ToneOf(rule.severity), page);
   }
   return text;
 }
@@ -86,19 +72,40 @@ std::string FindingsText(const std::vector<Finding>& findings, const Page& page)
 
 std::string ListsText(const std::vector<trust::KnownList>& lists, const std::string& time) {
   if (lists.empty()) {
-    return "there is no list of known drivers: give one with --known, or make known-drivers.json beside the program "
-           "with "
-           "scripts/make-known-drivers";
+    return "there is no list of known drivers: give one with --known, or make known-drivers.json next to the program "
+           "with scripts/make-known-drivers";
   }
   std::string text;
   for (const trust::KnownList& list : lists) text += (text.empty() ? "" : "; ") + ListText(list, time);
   return "looked up in " + text;
 }
 
+std::string HidingText(const inventory::Hiding& hiding) {
+  const std::string count = hiding.hidden == 1 ? "1 finding is" : std::to_string(hiding.hidden) + " findings are";
+  return count + " hidden by the baseline" + (hiding.baseline.time.empty() ? "" : " of " + hiding.baseline.time);
+}
+
+Table FindingsTable(const std::vector<Finding>& findings) {
+  Table table;
+  for (const std::string_view name : {"rule", "severity", "id", "subject", "evidence", "next_step"}) {
+    inventory::Column& column = table.columns.emplace_back();
+    column.name = column.label = name;
+  }
+  for (const Finding& finding : findings) {
+    std::vector<Cell>& row = table.rows.emplace_back();
+    for (const std::string& text : {finding.rule, std::string(SeverityName(finding.severity)), finding.id,
+                                    finding.subject, finding.evidence, finding.nextStep}) {
+      row.push_back({text});
+    }
+  }
+  return table;
+}
+
 std::string FormatHealthTable(const std::vector<Finding>& findings, const inventory::Inventory& inventory,
-                              const Page& page) {
-  std::string text = FindingsText(findings, page);
-  if (inventory.isVerified) text += "\n" + Visible(ListsText(inventory.lists, inventory.head.time)) + "\n";
+                              const Page& page, const std::optional<inventory::Hiding>& hiding) {
+  std::string text = FindingsText(findings, hiding.has_value(), page);
+  if (hiding) text += "\n" + Paragraph(HidingText(*hiding), page.width);
+  if (inventory.isVerified) text += "\n" + Paragraph(ListsText(inventory.lists, inventory.head.time), page.width);
   return text;
 }
 

@@ -1,5 +1,5 @@
 /// @file
-/// A list of drivers as all formats and filters take it, whoever made it: columns, and what each row has of them.
+/// A list of drivers in the form that all formats and filters use: columns and rows of values.
 #pragma once
 
 #include <cstddef>
@@ -30,10 +30,10 @@ Table TableOf(const inventory::Records& records);
 /// All fields of all drivers, in their order.
 Table TableOf(const std::vector<inventory::ListedDriver>& drivers);
 
-/// Which of `columns` is called `name`; their number when there is none.
+/// The index of the column called `name`; the number of columns if there is no such column.
 std::size_t IndexOf(const std::vector<inventory::Column>& columns, std::string_view name);
 
-/// Of `table`, the `rows` with those indexes and `columns`, in their order. No row and no column is asked for twice.
+/// The given `rows` (by index) and `columns` of `table`, in the given order. No row and no column may be given twice.
 Table PartOf(Table table, const std::vector<std::size_t>& rows, const std::vector<inventory::Column>& columns);
 
 }  // namespace driverlist

@@ -6,13 +6,15 @@ namespace driverlist {
 std::string FormatTable(const Table& table, const Page& page) {
   std::vector<RowColumn> columns;
   for (const inventory::Column& column : table.columns) {
-    columns.push_back({std::string(column.name), column.floor, column.keepsEnd});
+    columns.push_back({std::string(column.name), column.floor, column.keepsEnd, column.leavesAs});
   }
-  std::vector<std::vector<TextCell>> rows;
+  TextRows rows;
   rows.reserve(table.rows.size() + 1);
   for (const auto& row : table.rows) {
     std::vector<TextCell>& cells = rows.emplace_back();
-    for (const Cell& cell : row) cells.push_back({inventory::TextOf(cell.value), cell.tone});
+    for (std::size_t i = 0; i < row.size(); ++i) {
+      cells.push_back({inventory::TextOf(row[i].value), row[i].tone, table.columns[i].isWhole});
+    }
   }
   return FormatRows(columns, std::move(rows), page);
 }

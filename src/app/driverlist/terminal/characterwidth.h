@@ -1,5 +1,5 @@
 /// @file
-/// How wide a terminal shows a character.
+/// The width of a character on a terminal.
 #pragma once
 
 #include <cstddef>

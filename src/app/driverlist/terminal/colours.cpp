@@ -2,24 +2,58 @@
 
 #include <windows.h>
 
+#include <string_view>
+
+#include "platform/handles.h"
+
 namespace driverlist {
 namespace {
+
+using Orvane::FileHandle;
+
+constexpr DWORD UnderstandsCodes = 0x0004;  // ENABLE_VIRTUAL_TERMINAL_PROCESSING, of Windows 10
+constexpr std::wstring_view PlainText = L"\x1B[0m";
 
 /// Set to anything, by convention; a variable that is empty forbids nothing.
 bool AreForbidden() { return GetEnvironmentVariableW(L"NO_COLOR", nullptr, 0) > 1; }
 
+bool Write(HANDLE console, std::wstring_view text) {
+  DWORD written = 0;
+  return WriteConsoleW(console, text.data(), static_cast<DWORD>(text.size()), &written, nullptr) != FALSE;
+}
+
+/// Whether consoles of this machine act on codes. Wine's takes the mode and then counts codes as text, so that they
+/// break lines in two and end in the middle of a code. Tried on a screen of its own, which nobody sees.
+bool ConsolesActOnCodes() {
+  const FileHandle screen(CreateConsoleScreenBuffer(GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                                                    nullptr, CONSOLE_TEXTMODE_BUFFER, nullptr));
+  CONSOLE_SCREEN_BUFFER_INFO before{};
+  CONSOLE_SCREEN_BUFFER_INFO after{};
+  DWORD mode = 0;
+  return screen && GetConsoleMode(screen.get(), &mode) && SetConsoleMode(screen.get(), mode | UnderstandsCodes) &&
+         GetConsoleScreenBufferInfo(screen.get(), &before) && Write(screen.get(), PlainText) &&
+         GetConsoleScreenBufferInfo(screen.get(), &after) && after.dwCursorPosition.X == before.dwCursorPosition.X &&
+         after.dwCursorPosition.Y == before.dwCursorPosition.Y;
+}
+
 }  // namespace
 
 Colours::Colours(bool wanted) {
-  constexpr DWORD understandsCodes = 0x0004;  // ENABLE_VIRTUAL_TERMINAL_PROCESSING, of Windows 10
   const HANDLE console = GetStdHandle(STD_OUTPUT_HANDLE);
-  if (!wanted || AreForbidden() || !GetConsoleMode(console, &m_formerMode)) return;
-  m_areOn = SetConsoleMode(console, m_formerMode | understandsCodes) != FALSE;
+  if (!wanted || AreForbidden() || !GetConsoleMode(console, &m_formerMode) || !ConsolesActOnCodes()) return;
+  const Uninterrupted change;
+  if (!SetConsoleMode(console, m_formerMode | UnderstandsCodes)) return;
+  m_undoing.emplace([this] {
+    Write(GetStdHandle(STD_OUTPUT_HANDLE), PlainText);
+    Restore();
+  });
 }
 
 Colours::~Colours() {
   // A terminal that is gone by now needs no former mode.
-  if (m_areOn) SetConsoleMode(GetStdHandle(STD_OUTPUT_HANDLE), m_formerMode);
+  if (AreOn()) Restore();
 }
+
+void Colours::Restore() const { SetConsoleMode(GetStdHandle(STD_OUTPUT_HANDLE), m_formerMode); }
 
 }  // namespace driverlist

@@ -1,5 +1,5 @@
 /// @file
-/// The log of a run in a file.
+/// Writes the log of a run to a file.
 #pragma once
 
 #include <cstdint>
@@ -10,10 +10,11 @@
 
 namespace driverlist {
 
-/// While it lives, takes the log and appends its lines to a file, each at once, in UTF-8, with time, level and place.
-/// Unlike the log's own file it makes no folders, and it knows when a line could not be written.
+/// While it lives, appends the lines of the log to a file, each immediately, in UTF-8, with time, level and place.
+/// Unlike the log module's own file sink, it creates no folders, and it notices if a line cannot be written.
 ///
-/// Before the file grows past MaxBytes it is renamed to "name.1.ext", and so on; of files so renamed MaxFiles are kept.
+/// Before the file grows past MaxBytes, it is renamed to "name.1.ext", the former "name.1.ext" to "name.2.ext", and so
+/// on; MaxFiles renamed files are kept.
 class LogFile {
  public:
   static constexpr std::uint64_t MaxBytes = 10 << 20;
@@ -25,7 +26,8 @@ class LogFile {
   LogFile(const LogFile&) = delete;
   LogFile& operator=(const LogFile&) = delete;
 
-  /// Why the file could not be opened, or why a line could not be written, after which no other is; else empty.
+  /// Why the file could not be opened or a line could not be written (no further line is written then); otherwise
+  /// empty.
   std::string Problem() const;
 
  private:

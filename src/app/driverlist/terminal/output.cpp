@@ -8,6 +8,7 @@
 
 #include "platform/encoding.h"
 #include "platform/handles.h"
+#include "terminal/interruption.h"
 
 namespace driverlist {
 namespace {
@@ -44,6 +45,8 @@ DWORD WriteConsoleText(HANDLE console, const std::string& text) {
   for (std::wstring_view left = wide; !left.empty();) {
     const std::size_t count = ConsoleChunk(left);
     DWORD written = 0;
+    // The last thing on the terminal of an interrupted process is what was undone.
+    const Uninterrupted chunk;
     if (!WriteConsoleW(console, left.data(), static_cast<DWORD>(count), &written, nullptr)) return GetLastError();
     left.remove_prefix(count);
   }
@@ -68,13 +71,15 @@ std::size_t WidthBehind(DWORD which) {
 
 std::string Problem(DWORD error) { return error == ERROR_SUCCESS ? std::string() : Orvane::ErrorText(error); }
 
-FileHandle OpenToWrite(const std::wstring& path, DWORD disposition) {
-  return FileHandle(CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, disposition, FILE_ATTRIBUTE_NORMAL, nullptr));
+FileHandle OpenToWrite(const std::wstring& path, DWORD share, DWORD disposition) {
+  return FileHandle(
+      CreateFileW(path.c_str(), GENERIC_WRITE, share, nullptr, disposition, FILE_ATTRIBUTE_NORMAL, nullptr));
 }
 
 /// Zero, or the error of Windows.
 DWORD WriteNewFile(const std::wstring& path, const std::string& text) {
-  FileHandle file = OpenToWrite(path, CREATE_ALWAYS);
+  // Shared so far that an interruption can delete it.
+  FileHandle file = OpenToWrite(path, FILE_SHARE_DELETE, CREATE_ALWAYS);
   if (!file) return GetLastError();
   DWORD error = WriteBytes(file.get(), text);
   if (error == ERROR_SUCCESS && !FlushFileBuffers(file.get())) error = GetLastError();
@@ -119,6 +124,7 @@ void RemoveStaleDrafts(const std::wstring& path) {
 DWORD WriteAsideAndReplace(const std::wstring& path, const std::string& text) {
   RemoveStaleDrafts(path);
   const std::wstring draft = path + DraftPrefix + std::to_wstring(GetCurrentProcessId()) + DraftSuffix;
+  const UndoneWhenInterrupted undoing([&draft] { DeleteFileW(draft.c_str()); });
   DWORD error = WriteNewFile(draft, text);
   if (error == ERROR_SUCCESS && !MoveFileExW(draft.c_str(), path.c_str(), MOVEFILE_REPLACE_EXISTING)) {
     error = GetLastError();
@@ -130,7 +136,7 @@ DWORD WriteAsideAndReplace(const std::wstring& path, const std::string& text) {
 
 /// The device called `path`, opened; empty when that is a file or nothing.
 FileHandle OpenDevice(const std::wstring& path) {
-  FileHandle opened = OpenToWrite(path, OPEN_EXISTING);
+  FileHandle opened = OpenToWrite(path, 0, OPEN_EXISTING);
   if (opened && GetFileType(opened.get()) == FILE_TYPE_DISK) opened.reset();
   return opened;
 }

@@ -1,5 +1,5 @@
 /// @file
-/// What text for people is written on.
+/// The page on which text for people is written.
 #pragma once
 
 #include <cstddef>
@@ -7,7 +7,7 @@
 namespace driverlist {
 
 struct Page {
-  /// Columns of a line; 0 when lines may be as long as they are.
+  /// Width of a line; 0 for no limit.
   std::size_t width = 0;
   /// Whether it shows colour codes.
   bool colours = false;

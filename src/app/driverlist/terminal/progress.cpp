@@ -20,18 +20,25 @@ Progress::Progress(bool wanted) : m_isOn(wanted && StandardErrorWidth() > 0) {
 Progress::~Progress() {
   if (!m_isOn) return;
   Orvane::LogToNothing();
+  Clear();
+}
+
+void Progress::Clear() const {
   if (m_columns > 0) WriteStandardError("\r" + std::string(m_columns, ' ') + "\r");
 }
 
 void Progress::Show(const std::string& text) {
   if (!m_isOn) return;
-  // Writing to a terminal takes longer than reading a driver.
+  // Writing to a terminal takes longer than reading a driver. Something else is news: it may be long in coming again.
   constexpr unsigned long long interval = 100;
   const unsigned long long now = GetTickCount64();
-  if (m_columns > 0 && now - m_shownAt < interval) return;
+  const std::string topic = text.substr(0, text.find(' '));
+  if (topic == m_topic && now - m_shownAt < interval) return;
   m_shownAt = now;
+  m_topic = topic;
   const std::string line = Cut(Visible(text), StandardErrorWidth());
   const std::size_t columns = Columns(line);
+  const Uninterrupted change;
   WriteStandardError("\r" + line + std::string(m_columns > columns ? m_columns - columns : 0, ' '));
   m_columns = columns;
 }

@@ -5,11 +5,13 @@
 #include <cstddef>
 #include <string>
 
+#include "terminal/interruption.h"
+
 namespace driverlist {
 
-/// While it lives, shows on the terminal behind standard error how far the library is by its log, in one line that is
-/// gone in the end. Takes the log for itself, so it is not for a process whose user asked for one. Nothing happens
-/// unless it is `wanted` and standard error is a terminal.
+/// While it lives, shows the progress of the library on the terminal behind standard error, in one line that is erased
+/// at the end, also when the process is interrupted. It reads the progress from the log, which it takes over, so do not
+/// use it if the user asked for a log. Does nothing unless it is `wanted` and standard error is a terminal.
 class Progress {
  public:
   explicit Progress(bool wanted);
@@ -17,14 +19,20 @@ class Progress {
   Progress(const Progress&) = delete;
   Progress& operator=(const Progress&) = delete;
 
-  /// Shows something that is not in the log, unless something was shown just before. One thread at a time.
+  /// Shows a text that is not in the log, unless the line was updated a moment ago by a text with the same first word.
+  /// Only one thread at a time may call it.
   void Show(const std::string& text);
 
  private:
+  void Clear() const;
+
   bool m_isOn = false;
-  /// Of the line that is shown.
+  /// Width of the line that is shown.
   std::size_t m_columns = 0;
   unsigned long long m_shownAt = 0;
+  /// The first word of what was shown then.
+  std::string m_topic;
+  const UndoneWhenInterrupted m_undoing{[this] { Clear(); }};
 };
 
 }  // namespace driverlist

@@ -1,6 +1,6 @@
 /// @file
 /// Text of any origin, made fit for people to read and for the columns of a terminal. All texts are UTF-8; a byte that
-/// is not part of any counts as U+FFFD.
+/// is not part of a character counts as U+FFFD.
 #pragma once
 
 #include <cstddef>
@@ -20,14 +20,14 @@ std::string Visible(std::string_view utf8);
 /// Columns of a terminal that `utf8` takes, as ColumnsOf() says of each character.
 std::size_t Columns(std::string_view utf8);
 
-/// Where the code point behind the one at `at` starts. `at` is within `utf8`.
+/// The start of the code point after the one at `at`. `at` is within `utf8`.
 std::size_t NextCodePoint(std::string_view utf8, std::size_t at);
 
-/// As much of the beginning of `utf8` as fits into `columns`; it ends with "…" when that is not all. It is a column
-/// short where half a wide character would be left.
+/// As much of the beginning of `utf8` as fits into `columns`; it ends with "…" if something was cut off. It is one
+/// column shorter if otherwise half of a wide character would remain.
 std::string Cut(std::string_view utf8, std::size_t columns);
 
-/// As much of the end of `utf8` as fits into `columns`; it begins with "…" when that is not all.
+/// As much of the end of `utf8` as fits into `columns`; it begins with "…" if something was cut off.
 std::string CutFront(std::string_view utf8, std::size_t columns);
 
 }  // namespace driverlist

@@ -1,21 +1,21 @@
 #include "formats/html/htmlformat.h"
 
-#include <map>
-#include <string_view>
+#include <algorithm>
+#include <iterator>
+#include <utility>
 
+#include "formats/html/findingrecords.h"
+#include "formats/html/htmlfindings.h"
+#include "formats/html/htmlpage.h"
 #include "formats/html/htmlsummary.h"
-#include "formats/html/htmltable.h"
 #include "formats/html/htmltext.h"
-#include "formats/html/isotime.h"
-#include "formats/html/skeleton.h"
+#include "formats/html/relations.h"
 
 namespace driverlist {
 namespace {
 
-std::string TimeHtml(const std::string& time) {
-  if (!IsIsoTime(time)) return HtmlText(time);
-  return "<time datetime=\"" + time + "\">" + ReadableTime(time) + " UTC</time>";
-}
+using inventory::Finding;
+using inventory::Records;
 
 std::string ScopeHtml(const std::string& mode) {
   if (mode.empty()) return "Inventory of services, devices and packages";
@@ -25,42 +25,51 @@ std::string ScopeHtml(const std::string& mode) {
   return HtmlText(mode);
 }
 
-/// One line of what is known of the inventory as a whole; nothing when `html` is empty.
-std::string Fact(const std::string& label, const std::string& html) {
-  return html.empty() ? html : "<div>" + Element("dt", "", label) + Element("dd", "", html) + "</div>\n";
-}
-
 std::string FactsHtml(const HtmlContext& context) {
   return Fact("Listed", TimeHtml(context.head.time)) + Fact("Windows", HtmlText(context.head.windows)) +
          Fact("Host ID", HtmlText(context.head.host_id)) + Fact("Scope", ScopeHtml(context.mode));
 }
 
-using Data = std::map<std::string_view, std::string>;
+std::vector<Finding> FindingsAbout(const Records& records, const std::vector<Finding>& findings) {
+  const FindingRecords index(records);
+  std::vector<Finding> about;
+  std::copy_if(findings.begin(), findings.end(), std::back_inserter(about),
+               [&index](const Finding& finding) { return !index.Of(finding).empty(); });
+  return about;
+}
 
-/// `skeleton` with data in its places. What was put in is not looked at again.
-std::string Filled(std::string_view skeleton, const Data& data) {
-  std::string page;
-  for (;;) {
-    const std::size_t start = skeleton.find("{{");
-    page += skeleton.substr(0, start);
-    if (start == std::string_view::npos) return page;
-    const std::size_t end = skeleton.find("}}", start);
-    page += data.at(skeleton.substr(start + 2, end - start - 2));
-    skeleton.remove_prefix(end + 2);
-  }
+void AddFindings(const HtmlContext& context, PageContent& content) {
+  FindingsSection section(FindingsAbout(*context.records, *context.findings), *context.records, context.notes);
+  content.sections += section.html;
+  content.data.facets.push_back(std::move(section.facet));
+}
+
+void AddSummary(const HtmlContext& context, PageContent& content) {
+  SummarySection section(Summarized(*context.records, context.head.time));
+  content.sections += section.html;
+  std::move(section.facets.begin(), section.facets.end(), std::back_inserter(content.data.facets));
 }
 
 }  // namespace
 
 std::string FormatHtml(const Table& table, const HtmlContext& context) {
-  const inventory::Head& head = context.head;
-  return Filled(ReportSkeleton(),
-                {{"host", head.host.empty() ? "an unnamed machine" : HtmlText(head.host)},
-                 {"facts", FactsHtml(context)},
-                 {"version", HtmlText(head.tool_version)},
-                 {"note", context.mode.empty() ? "All times are UTC." : "Dates are in the machine's time zone."},
-                 {"summary", context.records == nullptr ? "" : SummaryHtml(Summarized(*context.records, head.time))},
-                 {"table", TableHtml(table)}});
+  const std::string host = HostText(context.head.host);
+  PageContent content;
+  content.title = (context.isExamination ? "Findings on " : "Drivers of ") + host;
+  content.facts = FactsHtml(context);
+  content.toolVersion = context.head.tool_version;
+  content.note = context.mode.empty() ? "All times are UTC." : "Dates are in the machine's time zone.";
+  content.texts = {"All drivers", "No driver was found."};
+  content.data.all = table;
+  content.data.thing = "record";
+  content.data.file = "drivers.csv";
+  if (context.records != nullptr) {
+    content.data.all = TableOf(*context.records);
+    content.data.related = Related(*context.records);
+    if (context.findings != nullptr) AddFindings(context, content);
+    AddSummary(context, content);
+  }
+  return PageHtml(table, content);
 }
 
 }  // namespace driverlist

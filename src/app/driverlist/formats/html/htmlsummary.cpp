@@ -18,31 +18,17 @@ std::string BarImage(std::size_t part, std::size_t whole, std::size_t most) {
          rectangle("whole", whole) + (part > 0 ? rectangle("part", part) : "") + "</svg>";
 }
 
-enum class Running { NotShown, Shown };
-
-std::string Bar(const Group& group, std::size_t most, Running running) {
-  const bool isParted = running == Running::Shown;
+std::string Bar(const Group& group, std::size_t most, bool isParted) {
   std::string bar = Element("span", "label", HtmlText(group.label));
-  bar += BarImage(isParted ? group.running : group.records, group.records, most);
-  bar += " " + Element("span", "count", std::to_string(group.records));
+  bar += BarImage(isParted ? group.running : group.Count(), group.Count(), most);
+  bar += " " + Element("span", "count", std::to_string(group.Count()));
   if (isParted) bar += " " + Element("span", "note", std::to_string(group.running) + " running");
   return Element("li", group.isUnknown ? "unknown" : "", bar) + "\n";
 }
 
-std::string Chart(const std::string& heading, const std::vector<Group>& groups, Running running = Running::NotShown) {
-  std::size_t most = 0;
-  for (const Group& group : groups) most = std::max(most, group.records);
-  std::string bars;
-  for (const Group& group : groups) bars += Bar(group, most, running);
-  if (groups.empty()) return Element("h2", "", heading) + "\n<p>None.</p>\n";
-  return Element("h2", "", heading) + "\n<ul class=\"bars\" role=\"list\">\n" + bars + "</ul>\n";
-}
-
 /// How many of what there are, such as "2 of 9 devices".
 std::string Figure(const std::string& label, std::size_t part, std::size_t whole, const std::string& thing) {
-  const std::string of = "of " + std::to_string(whole) + " " + thing + (whole == 1 ? "" : "s");
-  return "<div>" + Element("dt", "", label) + Element("dd", "", std::to_string(part) + " " + Element("small", "", of)) +
-         "</div>\n";
+  return FigureHtml(label, part, "of " + std::to_string(whole) + " " + thing + (whole == 1 ? "" : "s"));
 }
 
 std::string Figures(const Summary& summary) {
@@ -55,17 +41,40 @@ std::string Figures(const Summary& summary) {
   return figures + Figure("OEM packages", summary.oemPackages, summary.packages, "package");
 }
 
-std::string ChartBox(const std::string& charts) { return Element("div", "chart", "\n" + charts) + "\n"; }
-
 }  // namespace
 
-std::string SummaryHtml(const Summary& summary) {
-  return "<section class=\"page\" aria-label=\"Summary\">\n" + Element("dl", "figures", "\n" + Figures(summary)) +
-         "\n<div class=\"charts\">\n" + ChartBox(Chart("Provider", summary.byProvider)) +
-         ChartBox(Chart("State of services", summary.byState) +
-                  Chart("Start type of services", summary.byStartType, Running::Shown)) +
-         ChartBox(Chart("Kind", summary.byKind) + Chart("Age of service images", summary.byAge)) +
-         "</div>\n</section>\n";
+std::string ChartHtml(const Facet& facet) {
+  std::size_t most = 0;
+  for (const Group& group : facet.groups) most = std::max(most, group.Count());
+  std::string bars;
+  for (const Group& group : facet.groups) bars += Bar(group, most, facet.showsRunning);
+  const std::string list = "<ul" + Attribute("class", facet.showsRunning ? "bars parted" : "bars") + " role=\"list\"" +
+                           Attribute("data-facet", facet.name) + ">\n" + bars + "</ul>\n";
+  return Element(
+             "div", "chart",
+             "\n" + Element("h2", "", HtmlText(facet.name)) + "\n" + (facet.groups.empty() ? "<p>None.</p>\n" : list)) +
+         "\n";
+}
+
+std::string FigureHtml(const std::string& label, std::size_t number, const std::string& of) {
+  const std::string part = of.empty() ? "" : " " + Element("small", "", of);
+  return "<div>" + Element("dt", "", label) + Element("dd", "", std::to_string(number) + part) + "</div>\n";
+}
+
+std::string SummaryHtml(const std::string& figures, const std::string& charts) {
+  return "<section class=\"page\" aria-label=\"Summary\">\n" + Element("dl", "figures", "\n" + figures) + "\n" +
+         Element("div", "charts", "\n" + charts) + "\n</section>\n";
+}
+
+SummarySection::SummarySection(const Summary& summary)
+    : facets{{"Provider", summary.byProvider},
+             {"Kind", summary.byKind},
+             {"State of services", summary.byState},
+             {"Start type of services", summary.byStartType, true},
+             {"Age of service images", summary.byAge}} {
+  std::string charts;
+  for (const Facet& facet : facets) charts += ChartHtml(facet);
+  html = SummaryHtml(Figures(summary), charts);
 }
 
 }  // namespace driverlist

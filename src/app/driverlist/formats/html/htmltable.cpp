@@ -1,13 +1,13 @@
 #include "formats/html/htmltable.h"
 
-#include <array>
+#include <algorithm>
 #include <numeric>
 #include <string_view>
 
+#include "formats/html/htmlcolumn.h"
 #include "formats/html/htmltext.h"
 #include "formats/html/isotime.h"
-#include "inventory/predicates.h"
-#include "inventory/versionkey.h"
+#include "formats/html/linebreaks.h"
 
 namespace driverlist {
 namespace {
@@ -16,56 +16,10 @@ using inventory::Column;
 using inventory::Value;
 using inventory::ValueType;
 
-/// How the script sorts such values.
-std::string_view KindOf(ValueType type) {
-  switch (type) {
-    case ValueType::Version:
-      return "version";
-    case ValueType::Number:
-      return "number";
-    case ValueType::Time:
-    case ValueType::Date:
-      return "time";
-    case ValueType::Text:
-    case ValueType::Flag:
-    case ValueType::Texts:
-    case ValueType::Known:
-      break;
-  }
-  return "text";
-}
-
-std::string LabelOf(const Column& column) {
-  return std::string(column.label) + (column.type == ValueType::Time ? ", UTC" : "");
-}
-
-/// How the style shows such values, besides what all cells have.
-std::string StyleOf(const Column& column) {
-  if (column.type == ValueType::Texts) return "texts";
-  if (column.keepsEnd) return "place";
-  const std::string_view kind = KindOf(column.type);
-  return kind == "text" ? std::string() : std::string(kind);
-}
-
-std::string_view NameOf(Tone tone) {
-  constexpr std::array<std::string_view, 4> names = {"", "good", "doubtful", "bad"};
-  return names[static_cast<std::size_t>(tone)];
-}
-
 std::string ClassOf(const Cell& cell, const Column& column) {
   const std::string style = StyleOf(column);
   const std::string_view tone = NameOf(cell.tone);
   return style + (style.empty() || tone.empty() ? "" : " ") + std::string(tone);
-}
-
-/// `text` with places to break long names and paths at.
-std::string Breakable(std::string_view text) {
-  std::string breakable;
-  for (const char c : HtmlText(text)) {
-    breakable += c;
-    if (c == '\\' || c == '_') breakable += "<wbr>";
-  }
-  return breakable;
 }
 
 /// Each text in a line of its own.
@@ -75,32 +29,31 @@ std::string Lines(const std::vector<std::string>& texts) {
   return lines;
 }
 
+/// The time of day is an element of its own, because a narrow screen hides it.
+std::string TimeHtml(const std::string& time) {
+  const std::string readable = ReadableTime(time);
+  return readable.substr(0, 10) + Element("span", "clock", readable.substr(10));
+}
+
 std::string ContentOf(const Value& value, const Column& column) {
   if (std::holds_alternative<bool>(value)) return "yes";
   if (const auto* const texts = std::get_if<std::vector<std::string>>(&value)) return Lines(*texts);
   const std::string text = inventory::TextOf(value);
-  return Breakable(column.type == ValueType::Time && IsIsoTime(text) ? ReadableTime(text) : text);
-}
-
-/// What a cell is sorted by, where that is not its text.
-std::string KeyOf(const Value& value, const Column& column) {
-  if (column.type != ValueType::Version) return {};
-  const std::string version = inventory::TextOf(value);
-  return inventory::IsKnownVersion(version) ? inventory::VersionKey(version) : std::string();
+  if (column.type == ValueType::Time && IsIsoTime(text)) return TimeHtml(text);
+  return KindOf(column.type) == "text" ? Breakable(text) : HtmlText(text);
 }
 
 std::string CellHtml(const Cell& cell, const Column& column) {
   const std::string content = ContentOf(cell.value, column);
-  const std::string attributes =
-      Attribute("class", ClassOf(cell, column)) + Attribute("data-key", KeyOf(cell.value, column));
-  if (column.isTitle) return "<th scope=\"row\"" + attributes + ">" + content + "</th>";
+  const std::string style = Attribute("class", ClassOf(cell, column));
+  if (column.isTitle) return "<th scope=\"row\"" + style + ">" + content + "</th>";
   if (content.empty()) return "<td></td>";
   // On a narrow screen, the label is before the value.
-  return "<td" + Attribute("data-label", LabelOf(column)) + attributes + ">" + content + "</td>";
+  return "<td" + Attribute("data-label", LabelOf(column)) + style + ">" + content + "</td>";
 }
 
-std::string RowHtml(const std::vector<Cell>& row, const std::vector<Column>& columns) {
-  std::string html = "<tr>";
+std::string RowHtml(const std::vector<Cell>& row, std::size_t index, const std::vector<Column>& columns) {
+  std::string html = "<tr" + Attribute("id", RowId(index)) + ">";
   for (std::size_t i = 0; i < columns.size(); ++i) html += CellHtml(row[i], columns[i]);
   return html + "</tr>\n";
 }
@@ -126,28 +79,59 @@ std::string HeadHtml(const std::vector<Column>& columns) {
   for (const Column& column : columns) {
     // An attribute of the element: the policy forbids styles of single elements.
     widths += "<col width=\"" + Share(WidthOf(column), whole) + "\">";
-    head += "<th scope=\"col\"" + Attribute("class", StyleOf(column)) + Attribute("data-kind", KindOf(column.type)) +
-            ">" + HtmlText(LabelOf(column)) + "</th>";
+    head += "<th scope=\"col\"" + Attribute("class", StyleOf(column)) + ">" + HtmlText(LabelOf(column)) + "</th>";
   }
   return widths + "</colgroup>\n" + head + "</tr></thead>\n";
 }
 
-/// What no usual screen can hold is wider than the screen.
-std::string_view SizeOf(const std::vector<Column>& columns) {
-  const unsigned whole = WholeWidth(columns);
-  if (whole > 300) return "wide widest";
-  return whole > 190 ? "wide" : "";
+/// The width of the widest unbreakable part of a cell.
+std::size_t WidestOf(const Value& value, const Column& column) {
+  if (const auto* const texts = std::get_if<std::vector<std::string>>(&value)) {
+    std::size_t widest = 0;
+    for (const std::string& text : *texts) widest = std::max(widest, WidestPart(text));
+    return widest;
+  }
+  const std::string text = inventory::TextOf(value);
+  // A time may break between the day and the time of day.
+  constexpr std::size_t day = 10;
+  if (KindOf(column.type) == "time") return std::min(text.size(), day);
+  return KindOf(column.type) == "text" ? WidestPart(text) : text.size();
+}
+
+/// Whether a row fits on landscape paper without a break inside a number. The script decides this again when the reader
+/// shows or hides columns.
+bool FitsPaper(const Table& table) {
+  // In letters of the printed size, of average width; each column has a margin of one and a half.
+  constexpr std::size_t lettersOfPaper = 166;
+  std::size_t doubled = 0;
+  for (std::size_t i = 0; i < table.columns.size(); ++i) {
+    const Column& column = table.columns[i];
+    std::size_t widest = WidestPart(LabelOf(column));
+    for (const auto& row : table.rows) widest = std::max(widest, WidestOf(row[i].value, column));
+    doubled += 2 * widest + 3;
+  }
+  return doubled <= 2 * lettersOfPaper;
+}
+
+/// A table too wide for usual screens scrolls, and one too wide for paper is printed as paragraphs.
+std::string SizeOf(const Table& table) {
+  const unsigned whole = WholeWidth(table.columns);
+  std::string size = whole > 300 ? "wide widest" : whole > 190 ? "wide" : "";
+  if (!FitsPaper(table)) size += size.empty() ? "paragraphs" : " paragraphs";
+  return size;
 }
 
 }  // namespace
 
-std::string TableHtml(const Table& table) {
-  std::string html = "<table id=\"drivers\"" + Attribute("class", SizeOf(table.columns)) +
-                     ">\n<caption>All drivers</caption>\n" + HeadHtml(table.columns) + "<tbody>\n";
-  for (const std::vector<Cell>& row : table.rows) html += RowHtml(row, table.columns);
+std::string TableHtml(const Table& table, const TableTexts& texts) {
+  std::string html = "<table id=\"rows\"" + Attribute("class", SizeOf(table)) + ">\n" +
+                     Element("caption", "", HtmlText(texts.caption)) + "\n" + HeadHtml(table.columns) + "<tbody>\n";
+  for (std::size_t i = 0; i < table.rows.size(); ++i) html += RowHtml(table.rows[i], i, table.columns);
   html += "</tbody>\n</table>\n";
-  if (table.rows.empty()) html += "<p class=\"none\">No driver was found.</p>\n";
+  if (table.rows.empty()) html += Element("p", "none", HtmlText(texts.empty)) + "\n";
   return html;
 }
+
+std::string RowId(std::size_t row) { return "r" + std::to_string(row); }
 
 }  // namespace driverlist

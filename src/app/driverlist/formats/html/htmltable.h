@@ -8,9 +8,19 @@
 
 namespace driverlist {
 
-/// All columns and rows of `table`, in their order, and a sentence when there are no rows. The script sorts a column by
-/// what its head says of the values, and a cell by its key where it has one; the style knows cells by the kind of their
-/// values and by how they stand out, never by what they say.
-std::string TableHtml(const Table& table);
+/// The texts of a table besides its cells.
+struct TableTexts {
+  /// For screen readers.
+  std::string caption;
+  /// The sentence for a table without rows.
+  std::string empty;
+};
+
+/// All columns and rows of `table`, in their order, and a sentence when there are no rows. RowId() of each row is its
+/// `id`. The style depends on the kind of value and the tone of a cell, never on its text.
+std::string TableHtml(const Table& table, const TableTexts& texts);
+
+/// The identifier of the row with this index.
+std::string RowId(std::size_t row);
 
 }  // namespace driverlist

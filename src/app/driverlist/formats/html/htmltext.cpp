@@ -45,4 +45,11 @@ std::string Element(const std::string& tag, std::string_view cssClass, const std
   return "<" + tag + Attribute("class", cssClass) + ">" + content + "</" + tag + ">";
 }
 
+std::string Capitalized(std::string text) {
+  if (!text.empty() && text.front() >= 'a' && text.front() <= 'z') {
+    text.front() = static_cast<char>(text.front() - 'a' + 'A');
+  }
+  return text;
+}
+
 }  // namespace driverlist

@@ -17,4 +17,7 @@ std::string Attribute(std::string_view name, std::string_view value);
 /// An element with its content, which is markup.
 std::string Element(const std::string& tag, std::string_view cssClass, const std::string& content);
 
+/// `text` with its first letter in upper case, if that is an ASCII letter.
+std::string Capitalized(std::string text);
+
 }  // namespace driverlist

@@ -12,11 +12,19 @@ function(add_report target)
   add_custom_target(${target}_report DEPENDS ${skeleton})
   add_dependencies(${target} ${target}_report)
   target_sources(${target} PRIVATE
+    html/findingrecords.cpp
+    html/htmlcolumn.cpp
+    html/htmldata.cpp
+    html/htmldiff.cpp
+    html/htmlfindings.cpp
     html/htmlformat.cpp
+    html/htmlpage.cpp
     html/htmlsummary.cpp
     html/htmltable.cpp
     html/htmltext.cpp
     html/isotime.cpp
+    html/linebreaks.cpp
+    html/relations.cpp
     html/summary.cpp
     ${skeleton})
 endfunction()

@@ -18,24 +18,24 @@ using Labels = std::vector<std::string_view>;
 
 constexpr std::size_t ProvidersShown = 8;
 
-void Add(Group& group, const Record& record) {
-  ++group.records;
+void Add(Group& group, const Record& record, std::size_t number) {
+  group.records.push_back(number);
   group.running += inventory::IsRunning(record) ? 1 : 0;
 }
 
 void RemoveEmpty(std::vector<Group>& groups) {
-  const auto end = std::remove_if(groups.begin(), groups.end(), [](const Group& group) { return group.records == 0; });
+  const auto end = std::remove_if(groups.begin(), groups.end(), [](const Group& group) { return group.Count() == 0; });
   groups.erase(end, groups.end());
 }
 
 /// One group per text: those of `first` in their order, then the others, largest first, and those without one.
 std::vector<Group> GroupsBy(const Records& records, Predicate isMeant, std::string Record::*text, const Labels& first) {
   std::map<std::string, Group> byText;
-  for (const Record& record : records) {
-    if (isMeant(record)) Add(byText[record.*text], record);
+  for (std::size_t i = 0; i < records.size(); ++i) {
+    if (isMeant(records[i])) Add(byText[records[i].*text], records[i], i);
   }
   std::vector<Group> groups;
-  Group unknown{"Unknown", 0, 0, true};
+  Group unknown{"Unknown", {}, 0, true};
   for (auto& [label, group] : byText) {
     group.label = label.empty() ? unknown.label : label;
     group.isUnknown = label.empty();
@@ -43,7 +43,7 @@ std::vector<Group> GroupsBy(const Records& records, Predicate isMeant, std::stri
   }
   const auto place = [&first](const Group& group) { return std::find(first.begin(), first.end(), group.label); };
   std::stable_sort(groups.begin(), groups.end(), [&](const Group& a, const Group& b) {
-    return place(a) != place(b) ? place(a) < place(b) : a.records > b.records;
+    return place(a) != place(b) ? place(a) < place(b) : a.Count() > b.Count();
   });
   groups.push_back(unknown);
   RemoveEmpty(groups);
@@ -59,7 +59,7 @@ std::vector<Group> Shortened(const std::vector<Group>& providers) {
   std::vector<Group> shown(providers.begin(), rest);
   Group others{std::to_string(unknown - rest) + " other providers"};
   std::for_each(rest, unknown, [&others](const Group& group) {
-    others.records += group.records;
+    others.records.insert(others.records.end(), group.records.begin(), group.records.end());
     others.running += group.running;
   });
   shown.push_back(others);
@@ -69,7 +69,9 @@ std::vector<Group> Shortened(const std::vector<Group>& providers) {
 
 std::vector<Group> GroupsByKind(const Records& records) {
   std::vector<Group> groups = {{"Services"}, {"Devices"}, {"Packages"}, {"Chipset packages"}};
-  for (const Record& record : records) Add(groups[static_cast<std::size_t>(record.kind)], record);
+  for (std::size_t i = 0; i < records.size(); ++i) {
+    Add(groups[static_cast<std::size_t>(records[i].kind)], records[i], i);
+  }
   RemoveEmpty(groups);
   return groups;
 }
@@ -91,15 +93,16 @@ std::vector<Group> GroupsByAge(const Records& records, std::string_view now) {
     if (IsIsoTime(now)) times.push_back(YearsBefore(now, age.fullYears));
   }
   Group future{"In the future"};
-  Group unknown{"No time", 0, 0, true};
-  for (const Record& record : records) {
+  Group unknown{"No time", {}, 0, true};
+  for (std::size_t i = 0; i < records.size(); ++i) {
+    const Record& record = records[i];
     if (!inventory::IsService(record)) continue;
     const auto reached = std::count_if(times.begin(), times.end(),
                                        [&record](const std::string& time) { return record.image_time <= time; });
     if (times.empty() || !IsIsoTime(record.image_time)) {
-      Add(unknown, record);
+      Add(unknown, record, i);
     } else {
-      Add(reached == 0 ? future : groups[static_cast<std::size_t>(reached) - 1], record);
+      Add(reached == 0 ? future : groups[static_cast<std::size_t>(reached) - 1], record, i);
     }
   }
   std::vector<Group> odd = {future, unknown};

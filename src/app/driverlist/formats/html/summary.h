@@ -1,5 +1,5 @@
 /// @file
-/// What a page counts. Each number is that of a predicate, or of the records that share a value.
+/// The counts on a page. Each number counts the records for which a predicate holds or that share a value.
 #pragma once
 
 #include <cstddef>
@@ -15,11 +15,14 @@ namespace driverlist {
 struct Group {
   /// UTF-8.
   std::string label;
-  std::size_t records = 0;
-  /// Those of them that are a running service.
+  /// The indexes of the records.
+  std::vector<std::size_t> records = {};
+  /// The number of them that are running services.
   std::size_t running = 0;
-  /// Whether it is the group of those whose value is unknown.
+  /// Whether it is the group of records whose value is unknown.
   bool isUnknown = false;
+
+  std::size_t Count() const { return records.size(); }
 };
 
 struct Summary {
@@ -31,8 +34,8 @@ struct Summary {
   std::size_t devicesWithProblem = 0;
   std::size_t packages = 0;
   std::size_t oemPackages = 0;
-  /// The eight with the most records first (with as many, by their text), then the others together, then the unknown.
-  /// Groups without records are left out; here and below.
+  /// The eight with the most records first (equal counts by text), then all others together, then the unknown. Groups
+  /// without records are left out; here and below.
   std::vector<Group> byProvider;
   /// Services: running, stopped, then any other state.
   std::vector<Group> byState;
@@ -44,7 +47,7 @@ struct Summary {
   std::vector<Group> byKind;
 };
 
-/// `time`: when the inventory was made, "2024-05-06T07:08:09Z"; when it is no such text, no age is known.
+/// `time`: when the inventory was made, "2024-05-06T07:08:09Z"; if it is not such a text, all ages are unknown.
 Summary Summarized(const inventory::Records& records, std::string_view time);
 
 }  // namespace driverlist
