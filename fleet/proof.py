@@ -407,6 +407,8 @@ def main():
     if options.samples is None:
         return
     check(keeper.is_installed(), "ZooKeeper is not installed")
+    # Whoever ends this ends the servers too, and the folder goes.
+    signal.signal(signal.SIGTERM, lambda *_: sys.exit("fleet-proof: ended."))
     with tempfile.TemporaryDirectory(prefix="driverlist-proof-") as name:
         folder = pathlib.Path(name)
         say("making the machines ...")
