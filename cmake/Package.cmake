@@ -55,7 +55,7 @@ install(TARGETS driverlist RUNTIME DESTINATION ${bin})
 install(FILES "${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/known-drivers.json" DESTINATION ${bin} OPTIONAL)
 install_without_debug_information(driverinfo logging pciinfo driverlist)
 install(FILES docs/driverlist.md docs/interface.md DESTINATION docs)
-install(DIRECTORY docs/schema DESTINATION docs)
+install(DIRECTORY docs/policies docs/schema DESTINATION docs)
 # The program itself knows its options best: it writes its manual page and its completion.
 install(CODE "
   foreach(file_and_topic \"driverlist.1 man\" \"driverlist.ps1 completion\")

@@ -5,69 +5,74 @@
 
 #include "importhook.h"
 #include "scratchmachine.h"
+#include "scriptedterminal.h"
 
+using driverlist::Codes;
 using driverlist::Colours;
+using driverlist::ScriptedTerminal;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
 namespace {
 
-/// Standard output is a terminal in mode 3.
-class ColourTerminal : public testing::Test {
- protected:
-  const HMODULE program = test::ThisProgram();
-  std::vector<DWORD> modes;
-  BOOL takesCodes = TRUE;
+/// Nothing of them is left on `terminal`.
+void ExpectNoColours(const ScriptedTerminal& terminal, bool wanted = true) {
+  EXPECT_FALSE(Colours(wanted).AreOn());
+  EXPECT_THAT(terminal.Modes(), IsEmpty());
+  EXPECT_EQ(terminal.Text(), "");
+  EXPECT_EQ(terminal.Screens(), 0u);
+}
 
-  HOOK(get, program, GetConsoleMode, [](HANDLE handle, DWORD* mode) -> BOOL {
-    *mode = 3;
-    return handle == GetStdHandle(STD_OUTPUT_HANDLE);
-  });
-  HOOK(set, program, SetConsoleMode, [this](HANDLE, DWORD mode) {
-    modes.push_back(mode);
-    return takesCodes;
-  });
-};
-
-TEST_F(ColourTerminal, ShowsColoursAndIsAsItWasAfterwards) {
+TEST(ColourTerminal, ShowsColoursAndIsAsItWasAfterwards) {
+  const ScriptedTerminal terminal(STD_OUTPUT_HANDLE, 80);
   {
     const Colours colours(true);
     EXPECT_TRUE(colours.AreOn());
-    EXPECT_THAT(modes, ElementsAre(7u));
+    EXPECT_THAT(terminal.Modes(), ElementsAre(7u));
   }
-  EXPECT_THAT(modes, ElementsAre(7u, 3u));
+  EXPECT_THAT(terminal.Modes(), ElementsAre(7u, 3u));
+  EXPECT_EQ(terminal.Text(), "") << "what it understands is tried elsewhere";
+  EXPECT_EQ(terminal.Screens(), 0u);
 }
 
-TEST_F(ColourTerminal, ShowsNoneWhenTheUserForbidsThem) {
+TEST(ColourTerminal, ShowsNoneWhenTheUserForbidsThem) {
+  const ScriptedTerminal terminal(STD_OUTPUT_HANDLE, 80);
   const test::EnvironmentVariable forbidden("NO_COLOR", "1");
-  EXPECT_FALSE(Colours(true).AreOn());
-  EXPECT_THAT(modes, IsEmpty());
+  ExpectNoColours(terminal);
 }
 
-TEST_F(ColourTerminal, IsNotToldByAnEmptyVariable) {
+TEST(ColourTerminal, IsNotToldByAnEmptyVariable) {
+  const ScriptedTerminal terminal(STD_OUTPUT_HANDLE, 80);
   SetEnvironmentVariableW(L"NO_COLOR", L"");
   EXPECT_TRUE(Colours(true).AreOn());
   SetEnvironmentVariableW(L"NO_COLOR", nullptr);
 }
 
-TEST_F(ColourTerminal, ShowsNoneWhereNoneAreWanted) {
-  EXPECT_FALSE(Colours(false).AreOn());
-  EXPECT_THAT(modes, IsEmpty());
+TEST(ColourTerminal, ShowsNoneWhereNoneAreWanted) {
+  const ScriptedTerminal terminal(STD_OUTPUT_HANDLE, 80);
+  ExpectNoColours(terminal, false);
 }
 
-TEST_F(ColourTerminal, ShowsNoneWhenItCannot) {
-  takesCodes = FALSE;
-  {
-    const Colours colours(true);
-    EXPECT_FALSE(colours.AreOn());
-  }
-  EXPECT_THAT(modes, ElementsAre(7u));
+TEST(ColourTerminal, ShowsNoneWhereCodesAreRefused) {
+  const ScriptedTerminal terminal(STD_OUTPUT_HANDLE, 80, Codes::Refused);
+  ExpectNoColours(terminal);
 }
 
-TEST_F(ColourTerminal, IsNoFile) {
-  HOOK(noConsole, program, GetConsoleMode, [](HANDLE, DWORD*) { return FALSE; });
-  EXPECT_FALSE(Colours(true).AreOn());
-  EXPECT_THAT(modes, IsEmpty());
+TEST(ColourTerminal, ShowsNoneWhereCodesAreTakenForText) {
+  const ScriptedTerminal terminal(STD_OUTPUT_HANDLE, 80, Codes::TakenForText);
+  ExpectNoColours(terminal);
+}
+
+TEST(ColourTerminal, ShowsNoneWhereNothingCanBeTried) {
+  const ScriptedTerminal terminal(STD_OUTPUT_HANDLE, 80);
+  HOOK(create, test::ThisProgram(), CreateConsoleScreenBuffer,
+       [](DWORD, DWORD, const SECURITY_ATTRIBUTES*, DWORD, void*) -> HANDLE { return INVALID_HANDLE_VALUE; });
+  ExpectNoColours(terminal);
+}
+
+TEST(ColourTerminal, IsNoFile) {
+  const ScriptedTerminal terminal(STD_ERROR_HANDLE, 80);
+  ExpectNoColours(terminal);
 }
 
 }  // namespace

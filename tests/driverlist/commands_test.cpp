@@ -271,12 +271,13 @@ TEST_F(ProgramCommand, RefusesFilesThatAreNoSnapshots) {
       {L"mode", wantsList},
       {L"short", " is damaged: it ends early\\.\n"},
       {L"torn", " is damaged: line \\d+ is not JSON\\.\n"},
-      {L"newer", " was written by a newer driverlist: its schema version is 7, and this one reads 2\\.\n"},
-      {L"type", " is damaged: driver \\d+ \\(.+\\.sys\\): size is a text, where a whole number is expected\\.\n"},
+      {L"newer",
+       " was written by a newer driverlist: its schema version is 7, but this driverlist reads only up to 2\\.\n"},
+      {L"type", " is damaged: driver \\d+ \\(.+\\.sys\\): size is a text, but should be a whole number\\.\n"},
       {L"deep", " is nested more than 16 levels deep\\.\n"},
       {L"name",
-       " is damaged: driver \\d+ \\(.U\\+001B..31m.U\\+202E.\\): state is a whole number, where a text is "
-       "expected\\.\n"}};
+       " is damaged: driver \\d+ \\(.U\\+001B..31m.U\\+202E.\\): state is a whole number, but should be a "
+       "text\\.\n"}};
   for (const auto& [file, sentence] : cases) {
     for (const ProgramResult& result : {Diff(file, L"live"), Diff(L"good", Quoted(folder.Path(file)))}) {
       EXPECT_EQ(result.exitCode, 2u) << sentence;
@@ -322,6 +323,35 @@ TEST_F(ProgramCommand, ListsFromASnapshotWhatItHolds) {
   const ProgramResult page = Driverlist(L"list --format html --kind service" + from);
   EXPECT_THAT(page.output, HasSubstr("<time datetime=\"" + snapshot.at("time").get<std::string>() + "\">"));
   EXPECT_THAT(page.output, HasSubstr("OiGone.sys"));
+  EXPECT_THAT(page.output, Not(HasSubstr("What deserves a look"))) << "nobody verified its images";
+}
+
+TEST_F(ProgramCommand, WritesFindingsAndDifferencesAsPages) {
+  const DriverService gone("OiGone", "\\??\\C:\\gone\\OiGone.sys", SERVICE_AUTO_START);
+  ASSERT_EQ(Snapshot(L"a").exitCode, 0u);
+  const std::wstring snapshot = Quoted(folder.Path(L"a"));
+  const ProgramResult health = Driverlist(L"health --no-verify --rule image-missing --format html --from " + snapshot);
+  EXPECT_EQ(health.errors, "");
+  EXPECT_EQ(health.exitCode, 1u);
+  EXPECT_THAT(health.output, testing::StartsWith("<!doctype html>\n"));
+  EXPECT_THAT(health.output, HasSubstr("<h1>Findings on "));
+  EXPECT_THAT(health.output, HasSubstr(">OiGone</a></dt>"));
+  EXPECT_THAT(health.output, HasSubstr("Running services")) << "all records are below";
+
+  const ProgramResult same = Driverlist(L"diff " + snapshot + L" " + snapshot + L" --format html");
+  EXPECT_EQ(same.errors, "");
+  EXPECT_EQ(same.exitCode, 0u);
+  EXPECT_THAT(same.output, HasSubstr("<h1>Changes on "));
+  EXPECT_THAT(same.output, HasSubstr("Nothing differs."));
+}
+
+TEST_F(ProgramCommand, PutsFindingsFirstWhereImagesWereVerified) {
+  const ProgramResult page = Driverlist(L"list --verify --kind service --where service=OiBus --format html");
+  EXPECT_EQ(page.exitCode, 0u);
+  EXPECT_THAT(page.output, HasSubstr("What deserves a look <small>"));
+  EXPECT_THAT(page.output, HasSubstr("Images without a signature"));
+  EXPECT_THAT(page.output, HasSubstr(">OiBus</a></dt>"));
+  EXPECT_LT(page.output.find("What deserves a look"), page.output.find("Running services"));
 }
 
 TEST_F(ProgramCommand, ListsFromNothingThatIsNoWholeSnapshot) {
@@ -329,7 +359,8 @@ TEST_F(ProgramCommand, ListsFromNothingThatIsNoWholeSnapshot) {
   const std::pair<const wchar_t*, std::string> cases[] = {
       {L"none", " cannot be read: there is no such file\\.\n"},
       {L".", " cannot be read: it is a folder\\.\n"},
-      {L"old", " was written by an older driverlist, which kept too little of each driver: only diff reads it\\.\n"}};
+      {L"old",
+       " was written by an older driverlist, which kept too little about each driver: only diff can read it\\.\n"}};
   for (const auto& [file, sentence] : cases) {
     for (const auto& [command, exitCode] : {std::pair(L"list", 1u), std::pair(L"health", 2u)}) {
       const ProgramResult result = Driverlist(command + (L" --from " + Quoted(folder.Path(file))));
@@ -400,11 +431,11 @@ TEST_F(ProgramCommand, TellsWhatDeservesALook) {
   const ProgramResult table = Driverlist(L"health");
   EXPECT_EQ(table.exitCode, 1u);
   EXPECT_EQ(table.errors, "");
-  EXPECT_THAT(table.output,
-              HasSubstr("image-missing (services whose image is not where their configuration expects it): 1\n"
-                        "what    evidence\n"
-                        "OiGone  there is no C:\\gone\\OiGone.sys, where the service's configuration "
-                        "expects its image\n"));
+  EXPECT_THAT(table.output, HasSubstr("image-missing (services whose configured image does not exist), medium: 1\n"
+                                      "what    evidence\n"
+                                      "OiGone  the configured image C:\\gone\\OiGone.sys does not exist\n"
+                                      "        next: install the driver again, or remove the service with sc.exe "
+                                      "delete OiGone\n"));
   const ProgramResult json = Driverlist(L"health --format json");
   EXPECT_EQ(json.exitCode, 1u);
   const Json report = Json::parse(json.output);
@@ -526,9 +557,9 @@ TEST_F(ProgramCommand, IsColouredOnATerminal) {
   const std::vector<std::string> list = {"--where", "service=OiBus"};
   EXPECT_EQ(OnATerminal(80, list),
             "\x1B[1mkind\x1B[0m     \x1B[1mname\x1B[0m       \x1B[1mversion\x1B[0m         \x1B[1mstate\x1B[0m    "
-            "\x1B[1mstart_type\x1B[0m  \x1B[1mprovider\x1B[0m\n"
-            "service  OiBus.sys  6.2.9200.16384  \x1B[33mStopped\x1B[0m  Manual      Example Systems\n")
-      << "paths have no place there";
+            "\x1B[1mstart_type\x1B[0m  \x1B[1mprovider\x1B[0m  \x1B[1mservice\x1B[0m  \x1B[1minf\x1B[0m\n"
+            "service  OiBus.sys  6.2.9200.16384  \x1B[33mStopped\x1B[0m  Manual      Example\u2026  OiBus\n"
+            "\nThere is no room for path; --columns shows it.\n");
   const test::EnvironmentVariable forbidden("NO_COLOR", "1");
   EXPECT_EQ(OnATerminal(200, list),
             "kind     name       version         state    start_type  provider         service  inf  path\n"

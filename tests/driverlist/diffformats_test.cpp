@@ -103,4 +103,55 @@ TEST(DiffTable, IsReadableOnATerminalOf80Columns) {
             "1 changed, 0 the same\n");
 }
 
+TEST(DiffTable, ShowsBothVersionsWholeOnATerminalOf80Columns) {
+  Inventory before;
+  before.head = {"", "host", "", "", ""};
+  before.records = {Of(Kind::Device, "nlnet_8086-15FB-1028-0A5C", "10.0.22621.1635"),
+                    Of(Kind::Package, "nlnet.sys", "10.0.22621.1635"), Of(Kind::Service, "gone.sys", "1.0")};
+  before.records[0].inf = "nlnet.sys Key";
+  before.records[2].provider = "Example Systems";
+  Inventory after = {{"", "host", "", "", ""}, {before.records[0], before.records[1]}};
+  for (Record& record : after.records) record.version = "10.0.22621.20001";
+  after.records[0].class_name = "Net";
+  after.records[1].files = {"C:\\windows\\System32\\DriverStore\\FileRepository\\nlnet.inf_amd64\\nlnet.sys"};
+  const Comparison comparison = Compare(std::move(before), std::move(after));
+  EXPECT_EQ(FormatDiffTable(comparison, {79, true}),
+            "old: host\n"
+            "new: host\n"
+            "\x1B[31mremoved\x1B[0m service gone.sys\n"
+            "  provider  Example Systems\n"
+            "  version   1.0\n"
+            "\x1B[32mupgraded\x1B[0m package nlnet.sys\n"
+            "  version  10.0.22621.1635 -> 10.0.22621.20001\n"
+            "  files    -> C:\\windows\\System32\\DriverStore\\FileRepository\\nlnet.inf_amd64\\\n"
+            "              nlnet.sys\n"
+            "  \x1B[32mupgraded\x1B[0m device nlnet_8086-15FB-1028-0A5C\n"
+            "    version  10.0.22621.1635 -> 10.0.22621.20001\n"
+            "    class    -> Net\n"
+            "1 removed, 1 upgraded, 0 the same\n");
+  EXPECT_EQ(FormatDiffTable(comparison, {32, false}),
+            "old: host\n"
+            "new: host\n"
+            "removed service gone.sys\n"
+            "  provider  Example Systems\n"
+            "  version   1.0\n"
+            "upgraded package nlnet.sys\n"
+            "  version  10.0.22621.1635\n"
+            "           -> 10.0.22621.20001\n"
+            "  files    -> C:\\windows\\\n"
+            "              System32\\DriverSto\n"
+            "              re\\FileRepository\\\n"
+            "              nlnet.inf_amd64\\\n"
+            "              nlnet.sys\n"
+            "  upgraded device\n"
+            "  nlnet_8086-15FB-1028-0A5C\n"
+            "    version\n"
+            "      10.0.22621.1635\n"
+            "      -> 10.0.22621.20001\n"
+            "    class\n"
+            "      -> Net\n"
+            "1 removed, 1 upgraded, 0 the\n"
+            "same\n");
+}
+
 }  // namespace

@@ -2,39 +2,85 @@
 
 #include <gmock/gmock.h>
 
+#include "formats/formats.h"
+
 using namespace driverlist;
 using inventory::Finding;
+using inventory::Severity;
 
 namespace {
 
-const std::vector<Finding> TwoFindings = {{"device-without-driver", "8086-7E4C-1028-0A5C_nodriver#",
-                                           "Signal processing controller by Unknown maker, as the device says"},
-                                          {"unused-package", "oem3.inf", "Ger\u00E4te\u202E"}};
+const std::vector<Finding> TwoFindings = {
+    {"device-without-driver", "8086-7E4C-1028-0A5C_nodriver#",
+     "Signal processing controller by Unknown maker, as the device says", Severity::Medium},
+    {"unused-package", "oem3.inf", "Ger\u00E4te\u202E", Severity::Low,
+     "remove with pnputil /delete-driver oem3.inf, unless its device is only "
+     "unplugged, as in this long sentence"}};
 
 TEST(HealthTable, NamesTheRuleAndTheEvidence) {
-  EXPECT_EQ(FormatHealthTable(TwoFindings, {}, {0, false}),
-            "device-without-driver (devices that are present and have no driver): 1\n"
-            "what                           evidence\n"
-            "8086-7E4C-1028-0A5C_nodriver#  Signal processing controller by Unknown maker, as the device says\n"
-            "\n"
-            "unused-package (OEM packages that no device and no service uses): 1\n"
-            "what      evidence\n"
-            "oem3.inf  Ger\u00E4te[U+202E]\n");
+  EXPECT_EQ(
+      FormatHealthTable(TwoFindings, {}, {0, false}),
+      "device-without-driver (devices that are present and have no driver), medium: 1\n"
+      "what                           evidence\n"
+      "8086-7E4C-1028-0A5C_nodriver#  Signal processing controller by Unknown maker, as the device says\n"
+      "\n"
+      "unused-package (OEM packages that no device and no service uses), low: 1\n"
+      "what      evidence\n"
+      "oem3.inf  Ger\u00E4te[U+202E]\n"
+      "          next: remove with pnputil /delete-driver oem3.inf, unless its device is only unplugged, as in this "
+      "long sentence\n");
 }
 
 TEST(HealthTable, WrapsEvidenceOnATerminalOf80Columns) {
   EXPECT_EQ(FormatHealthTable(TwoFindings, {}, {79, false}),
-            "device-without-driver (devices that are present and have no driver): 1\n"
+            "device-without-driver (devices that are present and have no driver), medium: 1\n"
             "what                           evidence\n"
             "8086-7E4C-1028-0A5C_nodriver#  Signal processing controller by Unknown maker,\n"
             "                               as the device says\n"
             "\n"
-            "unused-package (OEM packages that no device and no service uses): 1\n"
+            "unused-package (OEM packages that no device and no service uses), low: 1\n"
             "what      evidence\n"
-            "oem3.inf  Ger\u00E4te[U+202E]\n");
+            "oem3.inf  Ger\u00E4te[U+202E]\n"
+            "          next: remove with pnputil /delete-driver oem3.inf, unless its device\n"
+            "          is only unplugged, as in this long sentence\n");
+}
+
+TEST(HealthTable, PutsEvidenceBelowSubjectsOnATerminalOf40Columns) {
+  EXPECT_EQ(FormatHealthTable(TwoFindings, {}, {39, true}),
+            "device-without-driver (devices that are\n"
+            "present and have no driver), medium: 1\n"
+            "\x1B[33m8086-7E4C-1028-0A5C_nodriver#\x1B[0m\n"
+            "  Signal processing controller by\n"
+            "  Unknown maker, as the device says\n"
+            "\n"
+            "unused-package (OEM packages that no\n"
+            "device and no service uses), low: 1\n"
+            "oem3.inf\n"
+            "  Ger\u00E4te[U+202E]\n"
+            "  next: remove with pnputil\n"
+            "  /delete-driver oem3.inf, unless its\n"
+            "  device is only unplugged, as in this\n"
+            "  long sentence\n");
 }
 
 TEST(HealthTable, OfNothingSaysSo) { EXPECT_EQ(FormatHealthTable({}, {}, {0, true}), "nothing found\n"); }
+
+TEST(HealthTable, SaysWhatABaselineHides) {
+  inventory::Hiding hiding;
+  hiding.baseline.time = "2024-05-06T07:08:09Z";
+  hiding.hidden = 1;
+  EXPECT_EQ(FormatHealthTable({}, {}, {0, false}, hiding),
+            "nothing new found\n\n1 finding is hidden by the baseline of 2024-05-06T07:08:09Z\n");
+  hiding.hidden = 2;
+  hiding.baseline.time.clear();
+  EXPECT_THAT(FormatHealthTable(TwoFindings, {}, {0, false}, hiding),
+              testing::EndsWith("\n\n2 findings are hidden by the baseline\n"));
+}
+
+TEST(HealthCsv, HasTheMembersOfADocument) {
+  EXPECT_EQ(FormatCsv(FindingsTable({{"unsigned", "a,b", "=e", Severity::High, "n", "unsigned-1"}}), {}),
+            "rule,severity,id,subject,evidence,next_step\r\nunsigned,high,unsigned-1,\"a,b\",'=e,n\r\n");
+}
 
 /// Verified by a list of the day before, and one without date.
 inventory::Inventory Verified() {
@@ -60,12 +106,12 @@ TEST(HealthTable, OfAVerifiedInventorySaysThatThereWasNoList) {
   inventory.isVerified = true;
   EXPECT_EQ(FormatHealthTable({}, inventory, {0, true}),
             "nothing found\n\nthere is no list of known drivers: give one with --known, or make known-drivers.json "
-            "beside the program with scripts/make-known-drivers\n");
+            "next to the program with scripts/make-known-drivers\n");
 }
 
 TEST(HealthTable, IsLoudAboutMaliciousImages) {
   EXPECT_EQ(FormatHealthTable({{"known-malicious", "evil", "e"}}, {}, {0, true}),
-            "!!! known-malicious (images that a list knows as malicious): 1\n"
+            "!!! known-malicious (images listed as malicious), critical: 1\n"
             "\x1B[1mwhat\x1B[0m  \x1B[1mevidence\x1B[0m\n"
             "\x1B[31mevil\x1B[0m  e\n");
 }

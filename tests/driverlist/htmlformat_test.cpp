@@ -2,10 +2,14 @@
 
 #include <gmock/gmock.h>
 
+#include "formats/html/htmldiff.h"
 #include "formats/html/htmltext.h"
 #include "formats/html/isotime.h"
+#include "formats/html/linebreaks.h"
+#include "formats/html/relations.h"
 #include "formats/html/skeleton.h"
 #include "formats/html/summary.h"
+#include "inventory/json.h"
 #include "locales.h"
 
 using namespace driverlist;
@@ -80,6 +84,11 @@ std::string Between(const std::string& text, const std::string& start, const std
   return text.substr(from + start.size(), to - from - start.size());
 }
 
+/// What the script of a page knows.
+inventory::Json DataOf(const std::string& html) {
+  return inventory::Json::parse(Between(html, "<script type=\"application/json\" id=\"data\">", "</script>"));
+}
+
 /// The texts of the elements between `start` and `end`, without their tags.
 std::vector<std::string> Texts(const std::string& html, const std::string& start, const std::string& end) {
   std::vector<std::string> texts(1);
@@ -100,7 +109,7 @@ std::string Rows(const std::string& html) { return Between(html, "<tbody>\n", "<
 std::vector<std::string> Described(const std::vector<Group>& groups) {
   std::vector<std::string> texts;
   for (const Group& group : groups) {
-    const std::string text = group.label + " " + std::to_string(group.records) + "/" + std::to_string(group.running);
+    const std::string text = group.label + " " + std::to_string(group.Count()) + "/" + std::to_string(group.running);
     texts.push_back(group.isUnknown ? "(" + text + ")" : text);
   }
   return texts;
@@ -137,6 +146,69 @@ TEST(HtmlText, ReplacesWhatIsNoUtf8) {
             "a\uFFFDb");
   EXPECT_THAT(HtmlText("cut \xE2\x82"), testing::StartsWith("cut \uFFFD"));
   EXPECT_THAT(HtmlText("\xC0\xBCscript>"), testing::EndsWith("script&gt;")) << "an overlong form of a bracket";
+}
+
+TEST(HtmlText, BeginsASentenceWithACapital) {
+  EXPECT_EQ(Capitalized("images of 2 kinds"), "Images of 2 kinds");
+  EXPECT_EQ(Capitalized("2 images"), "2 images");
+  EXPECT_EQ(Capitalized("\u00E4"), "\u00E4");
+  EXPECT_EQ(Capitalized(""), "");
+}
+
+// --- Places to break lines
+
+TEST(LineBreaks, AreBehindTheMarksThatJoinNamesAndInLongWords) {
+  EXPECT_EQ(Breakable("C:\\a_b/c-d&e;f,g"), "C:\\<wbr>a_<wbr>b/<wbr>c-<wbr>d&amp;<wbr>e;<wbr>f,<wbr>g");
+  EXPECT_EQ(Breakable("Abcdefghijklmnopqrs"), "Abcdefghijklmnop<wbr>qrs");
+  EXPECT_EQ(Breakable("Abcdefghijklmnop"), "Abcdefghijklmnop") << "there is nothing behind";
+  EXPECT_EQ(Breakable("a\x1B-<b>"), "a[U+001B]-<wbr>&lt;b&gt;");
+}
+
+TEST(LineBreaks, AreNeverWithinANumber) {
+  for (const char* number : {"10.0.22621.1635", "2024", "0123456789012345678901234567890123456789",
+                             "a3f5e1b2c4d6a3f5e1b2c4d6a3f5e1b2c4d6a3f5e1b2c4d6a3f5e1b2c4d6a3f5"}) {
+    EXPECT_EQ(Breakable(number), number);
+  }
+}
+
+TEST(LineBreaks, LeavePartsOfAWidth) {
+  EXPECT_EQ(WidestPart(""), 0u);
+  EXPECT_EQ(WidestPart("C:\\windows\\System32"), 8u) << "the mark stays with what is before it";
+  EXPECT_EQ(WidestPart("one three"), 5u);
+  EXPECT_EQ(WidestPart("Abcdefghijklmnopqrs"), 16u);
+  EXPECT_EQ(WidestPart("\u97F3\u6E90 \u97F3\u6E90.sys"), 4u) << "between wide characters, lines may break";
+  EXPECT_EQ(WidestPart("\u0442\u0435\u043D\u044C"), 4u);
+}
+
+// --- Relations
+
+Record Named(Kind kind, const std::string& service, const std::string& inf) {
+  Record record = Of(kind);
+  record.service = service;
+  record.inf = inf;
+  return record;
+}
+
+TEST(ReportRelations, JoinServicesDevicesAndPackagesInAnyCase) {
+  Record service = Named(Kind::Service, "Net", "");
+  service.path = "C:\\windows\\system32\\drivers\\NET.sys";
+  Record helper = Named(Kind::Service, "helper", "");
+  helper.path = "C:\\helper.sys";
+  Record package = Named(Kind::Package, "", "oem1.inf");
+  package.files = {"readme.txt", "Helper.SYS"};
+  const Records records = {service, helper, Named(Kind::Device, "NET", "OEM1.INF"), package, Of(Kind::Chipset)};
+  using Rows = std::vector<std::size_t>;
+  EXPECT_THAT(Related(records), ElementsAre(Rows{2, 3}, Rows{3}, Rows{0, 3}, Rows{0, 1, 2}, Rows{}))
+      << "the package is that of the device, and of the service that drives it";
+}
+
+TEST(ReportRelations, AreFewWhereADamagedSnapshotHasThousandsOfOneName) {
+  Record package = Named(Kind::Package, "", "oem1.inf");
+  Records records(1000, package);
+  records.insert(records.end(), 1000, Named(Kind::Device, "", "oem1.inf"));
+  std::size_t relations = 0;
+  for (const auto& related : Related(records)) relations += related.size();
+  EXPECT_EQ(relations, 2u * 16u * 1000u);
 }
 
 // --- Times
@@ -278,7 +350,7 @@ TEST(Html, SaysWhichListingOfTheLibraryItShows) {
   EXPECT_EQ(scope("by-device"), "Listing of present devices (by-device)");
   EXPECT_EQ(scope("registered"), "Listing of registered services (registered)");
   EXPECT_THAT(Texts(PageOf(Table()), "<footer class=\"page\">", "</footer>"),
-              ElementsAre("Written by driverlist 0.1.0. Dates are in the machine's time zone."));
+              ElementsAre("Written by driverlist 0.1.0. Dates are in the machine&#39;s time zone."));
 }
 
 TEST(Html, LeavesOutWhatItDoesNotKnowOfTheMachine) {
@@ -298,10 +370,10 @@ TEST(Html, HasTheNumbersOfItsBarsAsText) {
       Texts(PageOf({acpi, beep, Of(Kind::Device), Package("oem1.inf")}), "aria-label=\"Summary\">", "</section>"),
       ElementsAre("Running services", "1 ", "of 2 services", "Third-party services", "2 ", "of 2 services",
                   "Devices without a driver", "1 ", "of 1 device", "OEM packages", "1 ", "of 1 package", "Provider",
-                  "Maker &amp; Sons", "2", "Unknown", "2", "State of services", "Running", "1", "Stopped", "1",
-                  "Start type of services", "Boot Start", "2", "1 running", "Kind", "Services", "2", "Devices", "1",
-                  "Packages", "1", "Age of service images", "Under 1 year", "0", "1 to 2 years", "0", "2 to 5 years",
-                  "1", "5 to 10 years", "0", "10 years and more", "0", "No time", "1"));
+                  "Maker &amp; Sons", "2", "Unknown", "2", "Kind", "Services", "2", "Devices", "1", "Packages", "1",
+                  "State of services", "Running", "1", "Stopped", "1", "Start type of services", "Boot Start", "2",
+                  "1 running", "Age of service images", "Under 1 year", "0", "1 to 2 years", "0", "2 to 5 years", "1",
+                  "5 to 10 years", "0", "10 years and more", "0", "No time", "1"));
 }
 
 TEST(Html, CountsDevicesWithAProblemOnlyWhereThereAreAny) {
@@ -343,15 +415,15 @@ TEST(Html, HasARowPerRecordAndACellPerColumn) {
                 {{"<b>"}, {"Paused", Tone::Doubtful}, {}, {}}};
   const std::string html = PageOf(table);
   EXPECT_EQ(Between(html, "<thead><tr>", "</tr></thead>"),
-            "<th scope=\"col\" data-kind=\"text\">Name</th><th scope=\"col\" data-kind=\"text\">State</th>"
-            "<th scope=\"col\" class=\"place\" data-kind=\"text\">Path</th>"
-            "<th scope=\"col\" class=\"number\" data-kind=\"number\">Size</th>");
+            "<th scope=\"col\">Name</th><th scope=\"col\">State</th>"
+            "<th scope=\"col\" class=\"place\">Path</th>"
+            "<th scope=\"col\" class=\"number\">Size</th>");
   EXPECT_EQ(Rows(html),
-            "<tr><th scope=\"row\" class=\"bad\">a_<wbr>b.sys</th>"
+            "<tr id=\"r0\"><th scope=\"row\" class=\"bad\">a_<wbr>b.sys</th>"
             "<td data-label=\"State\" class=\"good\">Running</td>"
             "<td data-label=\"Path\" class=\"place\">C:\\<wbr>a_<wbr>b.sys</td>"
             "<td data-label=\"Size\" class=\"number\">43520</td></tr>\n"
-            "<tr><th scope=\"row\">&lt;b&gt;</th><td data-label=\"State\" class=\"doubtful\">Paused</td>"
+            "<tr id=\"r1\"><th scope=\"row\">&lt;b&gt;</th><td data-label=\"State\" class=\"doubtful\">Paused</td>"
             "<td></td><td></td></tr>\n");
 }
 
@@ -363,16 +435,18 @@ TEST(Html, ShowsEachTypeOfValueInItsWay) {
     return Rows(PageOf(table));
   };
   EXPECT_EQ(cell(ValueType::Version, "10.0.22621"),
-            "<tr><td data-label=\"X\" class=\"version\" data-key=\"c10af22621\">10.0.22621</td></tr>\n")
-      << "the order is that of the keys";
-  EXPECT_EQ(cell(ValueType::Version, "N/A"), "<tr><td data-label=\"X\" class=\"version\">N/A</td></tr>\n");
+            "<tr id=\"r0\"><td data-label=\"X\" class=\"version\">10.0.22621</td></tr>\n");
+  EXPECT_EQ(cell(ValueType::Version, "N/A"), "<tr id=\"r0\"><td data-label=\"X\" class=\"version\">N/A</td></tr>\n");
   EXPECT_EQ(cell(ValueType::Time, "2023-05-06T22:14:31Z"),
-            "<tr><td data-label=\"X, UTC\" class=\"time\">2023-05-06 22:14:31</td></tr>\n");
-  EXPECT_EQ(cell(ValueType::Time, "<noon>"), "<tr><td data-label=\"X, UTC\" class=\"time\">&lt;noon&gt;</td></tr>\n");
-  EXPECT_EQ(cell(ValueType::Date, "2023-05-06"), "<tr><td data-label=\"X\" class=\"time\">2023-05-06</td></tr>\n");
-  EXPECT_EQ(cell(ValueType::Flag, true), "<tr><td data-label=\"X\">yes</td></tr>\n");
+            "<tr id=\"r0\"><td data-label=\"X, UTC\" class=\"time\">2023-05-06<span class=\"clock\"> "
+            "22:14:31</span></td></tr>\n");
+  EXPECT_EQ(cell(ValueType::Time, "<noon>"),
+            "<tr id=\"r0\"><td data-label=\"X, UTC\" class=\"time\">&lt;noon&gt;</td></tr>\n");
+  EXPECT_EQ(cell(ValueType::Date, "2023-05-06"),
+            "<tr id=\"r0\"><td data-label=\"X\" class=\"time\">2023-05-06</td></tr>\n");
+  EXPECT_EQ(cell(ValueType::Flag, true), "<tr id=\"r0\"><td data-label=\"X\">yes</td></tr>\n");
   EXPECT_EQ(cell(ValueType::Texts, std::vector<std::string>{"a_1.sys", "b\n.sys"}),
-            "<tr><td data-label=\"X\" class=\"texts\">a_<wbr>1.sys\nb[U+000A].sys</td></tr>\n");
+            "<tr id=\"r0\"><td data-label=\"X\" class=\"texts\">a_<wbr>1.sys\nb[U+000A].sys</td></tr>\n");
 }
 
 TEST(Html, LabelsEveryColumn) {
@@ -419,9 +493,134 @@ TEST(Html, ShowsTextsOfAnyRecordAndHeadAsText) {
   EXPECT_THAT(Texts(html, "<header class=\"page\">", "</header>"),
               ElementsAre("Drivers of " + shown, "Listed", shown, "Windows", shown, "Host ID", shown, "Scope", shown));
   EXPECT_EQ(Between(html, "<span class=\"label\">", "</span>"), shown);
-  const std::vector<std::string> texts = Texts(html, "<tbody>\n", "</tbody>");
+  std::string rows = Rows(html);
+  for (std::size_t at; (at = rows.find("<wbr>")) != std::string::npos;) rows.erase(at, 5);
+  const std::vector<std::string> texts = Texts("<" + rows + "$", "<", "$");
   EXPECT_EQ(std::count(texts.begin(), texts.end(), shown), static_cast<std::ptrdiff_t>(cells));
   EXPECT_EQ(texts.size(), cells + 2) << "besides texts, the row has its kind and the key of its version";
+}
+
+TEST(Html, GivesItsScriptAllThatIsKnownOfARow) {
+  Record service = Service("Running", "Manual");
+  service.name = "a.sys";
+  service.version = "10.0.9";
+  service.product_version = "N/A";
+  service.size = 0;
+  service.image_time = Now;
+  Record gone = Service("Stopped", "Manual");
+  gone.version = "10.0.10";
+  gone.image_missing = true;
+  const Records records = {service, gone};
+  Table table = PartOf(TableOf(records), {0, 1}, {*inventory::FindMember("state"), *inventory::FindMember("name")});
+  const inventory::Json data = DataOf(FormatHtml(table, {Head, "", &records}));
+  const auto place = [](std::string_view name) {
+    const auto& members = inventory::Members();
+    return static_cast<std::size_t>(inventory::FindMember(name) - members.data());
+  };
+  EXPECT_EQ(data["shown"], inventory::Json({place("state"), place("name")}));
+  EXPECT_EQ(data["columns"][place("size")],
+            inventory::Json::parse(R"({"name": "size", "label": "Size, bytes", "kind": "number", "style": "number",
+                                       "width": 11, "title": false})"));
+  EXPECT_EQ(data["rows"][0][place("size")], 0);
+  EXPECT_EQ(data["rows"][1][place("size")], "");
+  EXPECT_EQ(data["rows"][1][place("image_missing")], true);
+  EXPECT_EQ(data["rows"][0][place("image_time")], Now) << "as files have it";
+  EXPECT_EQ(data["ranks"][std::to_string(place("version"))], inventory::Json({1, 2}));
+  EXPECT_EQ(data["ranks"][std::to_string(place("product_version"))], inventory::Json({0, 0}));
+  EXPECT_EQ(data["tones"][std::to_string(place("state"))], "12");
+  EXPECT_EQ(data["facets"]["State of services"], inventory::Json::parse("[[0], [1]]"));
+  EXPECT_EQ(data["texts"], inventory::Json::object());
+}
+
+TEST(Html, GivesItsScriptTheTextsThatThePageShowsOtherwise) {
+  Record record = Of(Kind::Device);
+  record.name = "a\u202Eb";
+  record.names = {"x", "y\n"};
+  const inventory::Json data = DataOf(PageOf({record}));
+  EXPECT_EQ(data["rows"][0][1], "a[U+202E]b");
+  EXPECT_EQ(data["texts"], inventory::Json::parse(R"({"0": {"1": "a\u202Eb", "23": "x;y\n"}})"));
+}
+
+// --- Findings
+
+inventory::Finding FindingOf(const std::string& rule, inventory::Severity severity, const std::string& subject) {
+  inventory::Finding finding;
+  finding.rule = rule;
+  finding.severity = severity;
+  finding.subject = subject;
+  finding.evidence = "it <is> so";
+  finding.nextStep = "remove it";
+  return finding;
+}
+
+std::string MeaningOf(std::string_view rule) {
+  return Capitalized(std::string(inventory::FindHealthRule(rule)->meaning));
+}
+
+/// The page of services of those names, with findings.
+std::string PageWith(const std::vector<inventory::Finding>& findings, const std::vector<std::string>& services) {
+  Records records;
+  for (const std::string& service : services) records.push_back(Named(Kind::Service, service, ""));
+  HtmlContext context = {Head, "", &records, &findings, {"looked up in a list"}};
+  return FormatHtml(TableOf(records), context);
+}
+
+TEST(HtmlFindings, AreBelowTheirRulesTheWorstFirst) {
+  const std::string html = PageWith({FindingOf("unused-package", inventory::Severity::Low, "b"),
+                                     FindingOf("known-malicious", inventory::Severity::Critical, "a"),
+                                     FindingOf("unused-package", inventory::Severity::Low, "c")},
+                                    {"c", "a", "b"});
+  EXPECT_THAT(
+      Texts(html, "class=\"page findings\" aria-labelledby=\"findings\">", "</section>"),
+      ElementsAre("What deserves a look ", "3 findings", "critical", "1", MeaningOf("known-malicious"), "a", "a",
+                  "it &lt;is&gt; so", "Remove it.", "low", "2", MeaningOf("unused-package"), "b, c", "b",
+                  "it &lt;is&gt; so", "Remove it.", "c", "it &lt;is&gt; so", "Remove it.", "Looked up in a list."));
+  EXPECT_THAT(html, HasSubstr("<dt><a href=\"#r2\">b</a></dt>")) << "a finding leads to its row";
+  EXPECT_EQ(DataOf(html)["facets"]["Finding"], inventory::Json::parse("[[1], [0, 2]]"));
+}
+
+TEST(HtmlFindings, OfOtherRecordsAreLeftOut) {
+  const std::string html = PageWith({FindingOf("unsigned", inventory::Severity::High, "elsewhere")}, {"a"});
+  EXPECT_THAT(Texts(html, "class=\"page findings\" aria-labelledby=\"findings\">", "</section>"),
+              ElementsAre("What deserves a look ", "nothing found", "Looked up in a list."));
+}
+
+TEST(HtmlFindings, AreNotThereWhenNobodyLooked) { EXPECT_THAT(PageOf({By("a")}), Not(HasSubstr("deserves a look"))); }
+
+// --- Comparisons
+
+TEST(HtmlDiff, HasARowPerChangeAndOpensToBothSides) {
+  Record before = Named(Kind::Service, "net", "");
+  before.name = "net.sys";
+  before.version = "1.0";
+  before.state = "Running";
+  Record after = before;
+  after.version = "2.0";
+  after.state = "Stopped";
+  inventory::Head newer = Head;
+  newer.host = "LATER";
+  const std::string html = FormatDiffHtml(inventory::Compare({Head, {before}}, {newer, {after}}), Head);
+  EXPECT_EQ(Between(html, "<title>", "</title>"), "Changes on LATER");
+  EXPECT_THAT(Texts(html, "<header class=\"page\">", "</header>"),
+              ElementsAre("Changes on LATER", "Old", "HOST, Windows 10.0.22621, ", "2024-05-06 07:08:09 UTC", "New",
+                          "LATER, Windows 10.0.22621, ", "2024-05-06 07:08:09 UTC"));
+  EXPECT_THAT(Texts(html, "<thead>", "</thead>"), ElementsAre("Difference", "Kind", "Name", "Member", "Old", "New"));
+  EXPECT_THAT(Texts(html, "<tbody>", "</tbody>"),
+              ElementsAre("upgraded", "service", "net.sys", "version", "1.0", "2.0", "upgraded", "service", "net.sys",
+                          "state", "Running", "Stopped"));
+  EXPECT_THAT(Texts(html, "aria-label=\"Summary\">", "</section>"),
+              ElementsAre("Added", "0", "Removed", "0", "Upgraded", "1", "Downgraded", "0", "Changed", "0", "The same",
+                          "0 ", "records", "Difference", "upgraded", "2", "Kind", "service", "2", "Member", "version",
+                          "1", "state", "1"));
+  const inventory::Json data = DataOf(html);
+  EXPECT_EQ(data["openingOfRow"], inventory::Json({0, 0}));
+  EXPECT_EQ(data["openings"][0][2], inventory::Json({"Version", "1.0", "2.0"}));
+}
+
+TEST(HtmlDiff, OfTheSameSaysSo) {
+  const std::string html = FormatDiffHtml(inventory::Compare({Head, {By("a")}}, {Head, {By("a")}}), Head);
+  EXPECT_THAT(html, HasSubstr("<p class=\"none\">Nothing differs.</p>"));
+  EXPECT_THAT(html, HasSubstr("<dt>The same</dt><dd>1 <small>record</small></dd>"));
 }
 
 TEST(Html, IsUtf8) {

@@ -319,7 +319,7 @@ TEST_F(Program, ReportsThatItIsOutOfMemory) {
 TEST_F(Program, EchoesNoControlCharacter) {
   const ProgramResult result = Driverlist(L"--mode \x1B[31m");
   EXPECT_EQ(result.exitCode, 2u);
-  EXPECT_EQ(result.errors, "driverlist: --mode: \"[U+001B][31m\" is none of all, by-device, registered.\n");
+  EXPECT_EQ(result.errors, "driverlist: --mode: \"[U+001B][31m\" is not one of all, by-device, registered.\n");
   EXPECT_EQ(Driverlist(L"\u202Esys").errors, "driverlist: unknown argument: [U+202E]sys.\n");
 }
 

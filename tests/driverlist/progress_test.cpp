@@ -99,6 +99,14 @@ TEST_F(Terminal, ShowsTenLinesASecondAtMost) {
   EXPECT_EQ(terminal.Written().size(), 10u);
 }
 
+TEST_F(Terminal, ShowsAtOnceThatSomethingElseHasBegun) {
+  Progress progress(true);
+  Log("DRIVERINFO.name=a.sys DRIVERINFO.file_version=1");
+  progress.Show("verifying image 0 of 2");
+  progress.Show("verifying image 1 of 2");
+  EXPECT_THAT(terminal.Written(), ElementsAre("\rreading driver a.sys", "\rverifying image 0 of 2"));
+}
+
 TEST_F(Terminal, IsNotWiderThanItsWindow) {
   const Progress progress(true);
   Log("DRIVERINFO.name=" + std::string(100, 'x') + "\x1B DRIVERINFO.file_version=1");

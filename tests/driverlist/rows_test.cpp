@@ -6,11 +6,8 @@
 #include "terminal/text.h"
 
 using namespace driverlist;
-using testing::ElementsAre;
 
 namespace {
-
-using TextRows = std::vector<std::vector<TextCell>>;
 
 TEST(Rows, KeepTheEndOfAColumnThatAsksForIt) {
   EXPECT_EQ(FormatRows({{"name", 5}, {"path", 0, true}}, {{{"a.sys"}, {"C:\\drivers\\a.sys"}}}, {15, false}),
@@ -75,22 +72,73 @@ TEST(Rows, GrowNoSlowerThanTheirNumber) {
   EXPECT_LT(millisecondsFor(20000), 16 * few + 500) << "four times the rows";
 }
 
-TEST(Wrapped, BreaksAtBlanks) {
-  EXPECT_THAT(Wrapped("one two three", 7), ElementsAre("one two", "three"));
-  EXPECT_THAT(Wrapped("one two three", 6), ElementsAre("one", "two", "three"));
-  EXPECT_THAT(Wrapped("one two three", 13), ElementsAre("one two three"));
-  EXPECT_THAT(Wrapped("", 5), ElementsAre(""));
+TEST(Rows, CutNoTextThatMustBeWhole) {
+  const TextRows rows = {{{"0123456789"}, {"1.2.3.4", Tone::Plain, true}}};
+  EXPECT_EQ(FormatRows({{"name"}, {"version", 2}}, rows, {15, false}),
+            "name    version\n"
+            "01234\u2026  1.2.3.4\n");
 }
 
-TEST(Wrapped, BreaksLongWordsBetweenCharacters) {
-  EXPECT_THAT(Wrapped("Ger\u00E4te\u00E4 x", 4), ElementsAre("Ger\u00E4", "te\u00E4", "x"));
-  EXPECT_THAT(Wrapped("abc", 1), ElementsAre("a", "b", "c"));
+TEST(Rows, SayWhichColumnsLeft) {
+  const TextRows rows = {{{"a.sys"}, {"1.2.3.4", Tone::Plain, true}, {"Running"}, {"Somebody"}}};
+  const std::vector<RowColumn> columns = {
+      {"name", 5}, {"version", 7}, {"state", 7, false, 2}, {"provider", 8, false, 1}};
+  EXPECT_EQ(FormatRows(columns, rows, {33, false}),
+            "name   version  state    provider\n"
+            "a.sys  1.2.3.4  Running  Somebody\n");
+  EXPECT_EQ(FormatRows(columns, rows, {32, false}),
+            "name   version  state\n"
+            "a.sys  1.2.3.4  Running\n"
+            "\n"
+            "There is no room for provider;\n"
+            "--columns shows it.\n");
+  EXPECT_EQ(FormatRows(columns, rows, {22, true}),
+            "\x1B[1mname\x1B[0m   \x1B[1mversion\x1B[0m\n"
+            "a.sys  1.2.3.4\n"
+            "\n"
+            "There is no room for\n"
+            "state and provider;\n"
+            "--columns shows them.\n");
 }
 
-TEST(Wrapped, CountsColumnsOfATerminal) {
-  EXPECT_THAT(Wrapped("\u65E5\u672C\u8A9E", 5), ElementsAre("\u65E5\u672C", "\u8A9E"));
-  EXPECT_THAT(Wrapped("\u65E5\u672C", 1), ElementsAre("\u65E5", "\u672C")) << "a piece is never empty";
-  EXPECT_THAT(Wrapped("ab\x1B", 8), ElementsAre("ab[U+001", "B]"));
+TEST(Rows, AreParagraphsWhereATableHasNoRoom) {
+  const TextRows rows = {{{"a.sys", Tone::Bad}, {"10.0.22621.1635", Tone::Plain, true}, {"Running", Tone::Good, true}},
+                         {{"b.sys"}, {""}, {"Stopped", Tone::Plain, true}},
+                         {{""}, {""}, {""}}};
+  const std::vector<RowColumn> columns = {{"name", 12}, {"version", 12, false, 1}, {"state"}};
+  EXPECT_EQ(FormatRows({columns[0], {"version", 12}, columns[2]}, rows, {30, true}),
+            "\x1B[1mname\x1B[0m     \x1B[31ma.sys\x1B[0m\n"
+            "\x1B[1mversion\x1B[0m  10.0.22621.1635\n"
+            "\x1B[1mstate\x1B[0m    \x1B[32mRunning\x1B[0m\n"
+            "\n"
+            "\x1B[1mname\x1B[0m     b.sys\n"
+            "\x1B[1mstate\x1B[0m    Stopped\n"
+            "\n"
+            "\x1B[1mname\x1B[0m\n");
+  EXPECT_EQ(FormatRows(columns, rows, {11, false}),
+            "name\n"
+            "  a.sys\n"
+            "version\n"
+            "  10.0.2262\n"
+            "  1.1635\n"
+            "state\n"
+            "  Running\n"
+            "\n"
+            "name\n"
+            "  b.sys\n"
+            "state\n"
+            "  Stopped\n"
+            "\n"
+            "name\n")
+      << "also the column that would have left";
+}
+
+TEST(Rows, FitAtTheFloorsOfTheirColumnsOrNotAtAll) {
+  const TextRows rows = {{{"0123456789"}, {"0123456789"}}};
+  EXPECT_EQ(FormatRowsAtTheirFloors({{"a", 8}, {"b", 8}}, rows, {18, false}),
+            "a         b\n"
+            "0123456\u2026  0123456\u2026\n");
+  EXPECT_EQ(FormatRowsAtTheirFloors({{"a", 8}, {"b", 8}}, rows, {17, false}), std::nullopt);
 }
 
 }  // namespace

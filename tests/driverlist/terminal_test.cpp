@@ -17,9 +17,11 @@ using testing::Not;
 
 namespace {
 
+using driverlist::Codes;
+
 /// What `arguments` of list print on a terminal of `width` columns.
-std::string OnATerminal(SHORT width, const std::vector<std::string>& arguments) {
-  const driverlist::ScriptedTerminal terminal(STD_OUTPUT_HANDLE, width);
+std::string OnATerminal(SHORT width, const std::vector<std::string>& arguments, Codes codes = Codes::Understood) {
+  const driverlist::ScriptedTerminal terminal(STD_OUTPUT_HANDLE, width, codes);
   EXPECT_EQ(driverlist::RunList(driverlist::ParseCommandLine(arguments).options.value()), 0);
   return terminal.Text();
 }
@@ -44,9 +46,39 @@ class ProgramOnATerminal : public test::ScratchMachine {
 TEST_F(ProgramOnATerminal, ColoursTheInventory) {
   EXPECT_EQ(OnATerminal(80, {"--kind", "service"}),
             "\x1B[1mkind\x1B[0m     \x1B[1mname\x1B[0m       \x1B[1mversion\x1B[0m         \x1B[1mstate\x1B[0m    "
-            "\x1B[1mstart_type\x1B[0m  \x1B[1mprovider\x1B[0m\n"
-            "service  OiBus.sys  6.2.9200.16384  \x1B[33mStopped\x1B[0m  Manual      Example Systems\n")
-      << "services, INFs and paths have no place there";
+            "\x1B[1mstart_type\x1B[0m  \x1B[1mprovider\x1B[0m  \x1B[1mservice\x1B[0m  \x1B[1minf\x1B[0m\n"
+            "service  OiBus.sys  6.2.9200.16384  \x1B[33mStopped\x1B[0m  Manual      Example\u2026  OiBus\n"
+            "\n"
+            "There is no room for path; --columns shows it.\n");
+}
+
+TEST_F(ProgramOnATerminal, HasNoColoursWhereCodesAreNotUnderstood) {
+  for (const Codes codes : {Codes::Refused, Codes::TakenForText}) {
+    EXPECT_EQ(OnATerminal(80, {"--kind", "service", "--columns", "name,version,state"}, codes),
+              "name       version         state\n"
+              "OiBus.sys  6.2.9200.16384  Stopped\n");
+  }
+}
+
+TEST_F(ProgramOnATerminal, ShowsWhatFitsOnANarrowOne) {
+  EXPECT_EQ(OnATerminal(40, {"--kind", "service"}, Codes::Refused),
+            "kind     name       version\n"
+            "service  OiBus.sys  6.2.9200.16384\n"
+            "\n"
+            "There is no room for state, start_type,\n"
+            "provider, service, inf and path;\n"
+            "--columns shows them.\n");
+}
+
+TEST_F(ProgramOnATerminal, LeavesOutNothingThatWasAskedFor) {
+  EXPECT_EQ(OnATerminal(33, {"--kind", "service", "--columns", "name,version,state,start_type"}, Codes::Refused),
+            "name        OiBus.sys\n"
+            "version     6.2.9200.16384\n"
+            "state       Stopped\n"
+            "start_type  Manual\n");
+  EXPECT_EQ(OnATerminal(30, {"--kind", "service", "--group-by", "provider"}, Codes::Refused),
+            "provider         count\n"
+            "Example Systems  1\n");
 }
 
 TEST_F(ProgramOnATerminal, ShowsMoreOnAWideOne) {

@@ -25,7 +25,7 @@ TEST(Handles, ThatAreNoneAreRefusedByEveryFunction) {
     EXPECT_EQ(driverinventory_count(handle, &count), DRIVERINVENTORY_E_HANDLE);
     EXPECT_EQ(count, 0u);
     EXPECT_STREQ(driverinventory_error(),
-                 handle == nullptr ? "The inventory is null." : "That is no inventory, or it was released.");
+                 handle == nullptr ? "The inventory is null." : "That is not an inventory, or it was released.");
     EXPECT_EQ(driverinventory_head(handle, "host", &text, nullptr), DRIVERINVENTORY_E_HANDLE);
     EXPECT_EQ(text, nullptr);
     EXPECT_EQ(driverinventory_text(handle, 0, 0, &text, nullptr), DRIVERINVENTORY_E_HANDLE);
@@ -59,13 +59,13 @@ TEST(Handles, AreManyButNotEndless) {
 TEST(Places, ThatAreNullAreRefused) {
   const test::Handle inventory = test::Read(test::SmallSnapshot);
   EXPECT_EQ(driverinventory_collect(nullptr, nullptr), DRIVERINVENTORY_E_ARGUMENT);
-  EXPECT_STREQ(driverinventory_error(), "The place for the inventory is null.");
+  EXPECT_STREQ(driverinventory_error(), "The output pointer for the inventory is null.");
   EXPECT_EQ(driverinventory_open("x", nullptr), DRIVERINVENTORY_E_ARGUMENT);
   EXPECT_EQ(driverinventory_read("x", 1, nullptr), DRIVERINVENTORY_E_ARGUMENT);
   EXPECT_EQ(driverinventory_count(inventory.get(), nullptr), DRIVERINVENTORY_E_ARGUMENT);
-  EXPECT_STREQ(driverinventory_error(), "The place for the number is null.");
+  EXPECT_STREQ(driverinventory_error(), "The output pointer for the number is null.");
   EXPECT_EQ(driverinventory_head(inventory.get(), "host", nullptr, nullptr), DRIVERINVENTORY_E_ARGUMENT);
-  EXPECT_STREQ(driverinventory_error(), "The place for the text is null.");
+  EXPECT_STREQ(driverinventory_error(), "The output pointer for the text is null.");
   EXPECT_EQ(driverinventory_text(inventory.get(), 0, 0, nullptr, nullptr), DRIVERINVENTORY_E_ARGUMENT);
   EXPECT_EQ(driverinventory_number(inventory.get(), 0, 0, nullptr), DRIVERINVENTORY_E_ARGUMENT);
   EXPECT_EQ(driverinventory_text_count(inventory.get(), 0, 0, nullptr), DRIVERINVENTORY_E_ARGUMENT);

@@ -55,7 +55,7 @@ TEST(Options, ThatNoVersionKnowsAreRefused) {
   options.size = sizeof(options);
   options.kinds = 16;
   EXPECT_EQ(driverinventory_collect(&options, &inventory), DRIVERINVENTORY_E_UNSUPPORTED);
-  EXPECT_STREQ(driverinventory_error(), "The options ask for a kind of records that this version does not know.");
+  EXPECT_STREQ(driverinventory_error(), "The options ask for a kind of record that this version does not know.");
   options.kinds = 0;
   options.known_list_count = 1;
   EXPECT_EQ(driverinventory_collect(&options, &inventory), DRIVERINVENTORY_E_ARGUMENT);
@@ -79,7 +79,7 @@ TEST(Options, WithListsThatCannotBeUsedAreRefused) {
   options.known_lists = lists;
   options.known_list_count = 1;
   EXPECT_EQ(driverinventory_collect(&options, &inventory), DRIVERINVENTORY_E_ARGUMENT);
-  EXPECT_STREQ(driverinventory_error(), "Lists of known drivers are of use only when images are verified.");
+  EXPECT_STREQ(driverinventory_error(), "Lists of known drivers need verification: set verify.");
   options.verify = 1;
   EXPECT_EQ(driverinventory_collect(&options, &inventory), DRIVERINVENTORY_E_INPUT);
   EXPECT_THAT(driverinventory_error(), testing::HasSubstr("no-such-list.json"));

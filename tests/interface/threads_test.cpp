@@ -26,7 +26,7 @@ TEST_F(InventoryOfAMachineInThreads, IsCollectedReadAndReleasedAThousandTimes) {
         isRight = driverinventory_release(inventory) == DRIVERINVENTORY_OK && isRight;
         // The thread's own failure, of a handle that other threads may have been given meanwhile in another round.
         isRight = driverinventory_release(inventory) == DRIVERINVENTORY_E_HANDLE && isRight;
-        isRight = std::string(driverinventory_error()) == "That is no inventory, or it was released." && isRight;
+        isRight = std::string(driverinventory_error()) == "That is not an inventory, or it was released." && isRight;
         if (!isRight) ++wrong;
       }
     });

@@ -155,7 +155,7 @@ TEST(Condition, IsForTheColumnsOfAnyTable) {
   const Condition condition("file_version>=2.0", fields);
   EXPECT_EQ(fields.at(condition.ColumnIndex()).name, "file_version");
   EXPECT_TRUE(condition.Holds(Value("2.1"), Now));
-  EXPECT_FALSE(condition.Holds(Value("N/A"), Now)) << "that is no version";
+  EXPECT_FALSE(condition.Holds(Value("N/A"), Now)) << "that is not a version";
   EXPECT_TRUE(Condition("size>9", fields).Holds(Value("10"), Now)) << "the library writes numbers as texts";
 }
 
@@ -180,23 +180,23 @@ std::string ProblemOf(const std::string& text) {
 
 TEST(Condition, SaysWhatIsWrongWithIt) {
   const std::pair<const char*, const char*> cases[] = {
-      {"state", R"("state" is no condition: write MEMBER=PATTERN, or !=, <, <=, > or >= instead of =)"},
-      {"state!x", R"("state!x" is no condition: write MEMBER=PATTERN, or !=, <, <=, > or >= instead of =)"},
-      {"", R"("" is no condition: write MEMBER=PATTERN, or !=, <, <=, > or >= instead of =)"},
+      {"state", R"("state" is not a condition: write MEMBER=PATTERN, or !=, <, <=, > or >= instead of =)"},
+      {"state!x", R"("state!x" is not a condition: write MEMBER=PATTERN, or !=, <, <=, > or >= instead of =)"},
+      {"", R"("" is not a condition: write MEMBER=PATTERN, or !=, <, <=, > or >= instead of =)"},
       {"stat=x", R"(there is no member "stat"; did you mean "state"?)"},
       {"colour<1", R"(there is no member "colour"; "driverlist help members" lists them all)"},
       {"=x", R"(there is no member ""; "driverlist help members" lists them all)"},
-      {"name<m", "name is a text, which < does not compare: use = or != with a pattern, such as name=a*"},
-      {"files>=m", "files is a list of texts, which >= does not compare: use = or != with a pattern, such as files=a*"},
+      {"name<m", "name is a text, which < cannot compare: use = or != with a pattern, such as name=a*"},
+      {"files>=m", "files is a list of texts, which >= cannot compare: use = or != with a pattern, such as files=a*"},
       {"image_missing>0",
-       "image_missing is true or unknown, which > does not compare: use = or != with a pattern, such as "
+       "image_missing is true or unknown, which > cannot compare: use = or != with a pattern, such as "
        "image_missing=true"},
       {"version<10.*", R"("version<10.*": < compares with a value, not with a pattern)"},
-      {"version<", "there is no version behind version"},
-      {"size>big", R"("big" is no whole number, which size is)"},
-      {"size>-1", R"("-1" is no whole number, which size is)"},
-      {"size>18446744073709551616", R"("18446744073709551616" is no whole number, which size is)"},
-      {"size>", R"("" is no whole number, which size is)"}};
+      {"version<", "version needs a version to compare with"},
+      {"size>big", R"("big" is not a whole number, which size needs)"},
+      {"size>-1", R"("-1" is not a whole number, which size needs)"},
+      {"size>18446744073709551616", R"("18446744073709551616" is not a whole number, which size needs)"},
+      {"size>", R"("" is not a whole number, which size needs)"}};
   for (const auto& [text, problem] : cases) EXPECT_EQ(ProblemOf(text), problem);
   for (const char* const time : {"", "yesterday", "0d", "d", "30m", "-1d", "1000001d", "99999999999999999999d", "202",
                                  "2020-1-1", "2020-01-01T", "2020-01-01 12:00", "01/02/2020"}) {

@@ -166,7 +166,10 @@ TEST(ComparisonDocument, HasBothHeadsAndEveryDifference) {
 TEST(FindingsDocument, HasTheHeadTheCountsAndTheFindings) {
   Inventory inventory;
   inventory.head = {"0.1.0", "host", "8f0c", "10.0.1", "2024-05-06T07:08:09Z"};
-  EXPECT_EQ(FindingsJson({{"unused-package", "oem3.inf", "Ger\u00E4te\u202E"}}, inventory), R"({
+  EXPECT_EQ(FindingsJson(
+                {{"unused-package", "oem3.inf", "Ger\u00E4te\u202E", Severity::Low, "remove it", "unused-package-01"}},
+                inventory),
+            R"({
   "schema_version": 2,
   "tool_version": "0.1.0",
   "host": "host",
@@ -191,10 +194,13 @@ TEST(FindingsDocument, HasTheHeadTheCountsAndTheFindings) {
   "findings": [
     {
       "rule": "unused-package",
+      "severity": "low",
+      "id": "unused-package-01",
       "subject": "oem3.inf",
       "evidence": ")"
-                                                                                            "Ger\u00E4te\u202E"
-                                                                                            R"("
+            "Ger\u00E4te\u202E"
+            R"(",
+      "next_step": "remove it"
     }
   ]
 }

@@ -122,8 +122,7 @@ TEST(Health, FindsMissingImages) {
   vpn.provider.clear();
   vpn.image_missing = true;
   EXPECT_THAT(Found({vpn, Service("net", "C:\\Windows\\net.sys")}),
-              ElementsAre("image-missing | vpn | there is no C:\\Program Files\\vpn.sys, where the service's "
-                          "configuration expects its image"))
+              ElementsAre("image-missing | vpn | the configured image C:\\Program Files\\vpn.sys does not exist"))
       << "what is missing has no version and no company, which is no second finding";
 }
 
@@ -182,11 +181,11 @@ TEST(Health, FindsPackagesThatNothingUses) {
   EXPECT_THAT(
       Found({Service("net", "C:\\Windows\\Net.sys"), Package("oem1.inf", "1.0", {"net.dll", "net.sys"}, 0), delivered,
              other, Package("oem4.inf", "4.0", {}, 2), Package("netrtl.inf", "5.0", {}, 0), unknown, bare}),
-      ElementsAre("unused-package | oem2.inf | scanner.inf, maker, 2.0: no device uses it, and no service loads "
-                  "a file of it (a.sys, B.SYS)",
-                  "unused-package | oem3.inf | maker, 3.0: no device uses it, and no service loads a file of "
-                  "it (it lists no .sys file)",
-                  "unused-package | oem7.inf | no device uses it, and no service loads a file of it (it lists "
+      ElementsAre("unused-package | oem2.inf | scanner.inf, maker, 2.0: no device uses it, and no service loads any of "
+                  "its files (a.sys, B.SYS)",
+                  "unused-package | oem3.inf | maker, 3.0: no device uses it, and no service loads any of its files "
+                  "(it lists no .sys file)",
+                  "unused-package | oem7.inf | no device uses it, and no service loads any of its files (it lists "
                   "no .sys file)"))
       << "a package that came with Windows is no clutter, and one whose devices are unknown may have some";
 }

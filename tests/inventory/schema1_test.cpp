@@ -42,7 +42,7 @@ TEST(Schema1, SaysWhichRecordIsDamaged) {
   EXPECT_EQ(problemWith("found_by", "chipset"), "is damaged: driver 6 (old.sys): its found_by is unknown");
   EXPECT_EQ(problemWith("found_by", nullptr), "is damaged: driver 6 (old.sys): it has no found_by");
   EXPECT_EQ(problemWith("file_version", 5),
-            "is damaged: driver 6 (old.sys): file_version is a whole number, where a text is expected");
+            "is damaged: driver 6 (old.sys): file_version is a whole number, but should be a text");
   EXPECT_EQ(problemWith("size", 5), "") << "which this schema has in KiB, and as a text";
 }
 

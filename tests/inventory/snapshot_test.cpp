@@ -162,12 +162,12 @@ TEST(Snapshot, IsDamagedWhereItsMatchesAreNone) {
   };
   EXPECT_EQ(problem("null"), "");
   EXPECT_EQ(problem(R"([{"list": 1, "cve": 2, "new": {"cve": [[{}]]}, "match": "later", "category": null}])"), "");
-  EXPECT_EQ(problem("1"), "is damaged: driver 1 (a): known is a whole number, where an array of objects is expected");
-  EXPECT_EQ(problem("{}"), "is damaged: driver 1 (a): known is an object, where an array of objects is expected");
+  EXPECT_EQ(problem("1"), "is damaged: driver 1 (a): known is a whole number, but should be an array of objects");
+  EXPECT_EQ(problem("{}"), "is damaged: driver 1 (a): known is an object, but should be an array of objects");
   EXPECT_EQ(problem("[[]]"),
-            "is damaged: driver 1 (a): known is an array with an array in it, where an array of objects is expected");
+            "is damaged: driver 1 (a): known is an array with an array in it, but should be an array of objects");
   EXPECT_EQ(problem("[\"x\"]"),
-            "is damaged: driver 1 (a): known is an array with a text in it, where an array of objects is expected");
+            "is damaged: driver 1 (a): known is an array with a text in it, but should be an array of objects");
 }
 
 TEST(Snapshot, MayHaveItsMembersInAnyOrder) {
@@ -213,7 +213,7 @@ TEST(Snapshot, TakesTheLastOfAMemberThatIsThereTwice) {
   EXPECT_EQ(Described(ReadSnapshotText(head + drivers + "}")),
             "schema 2 {\"schema_version\":2,\"host\":\"b\"}\n"
             "{\"kind\":\"service\",\"service\":\"a\",\"files\":[\"y\"]}\n");
-  EXPECT_EQ(ProblemOf(head + drivers + "," + drivers + "}"), "is damaged: it has drivers twice");
+  EXPECT_EQ(ProblemOf(head + drivers + "," + drivers + "}"), "is damaged: it has the member drivers twice");
 }
 
 TEST(Snapshot, KeepsNoRecordThatIsSettled) {
@@ -274,10 +274,12 @@ TEST(Snapshot, OfANewerSchemaIsNotRead) {
   json["schema_version"] = 3;
   json["host"] = {1, 2};
   json["drivers"] = "somewhere else";
-  EXPECT_EQ(ProblemOf(json), "was written by a newer driverlist: its schema version is 3, and this one reads 2");
+  EXPECT_EQ(ProblemOf(json),
+            "was written by a newer driverlist: its schema version is 3, but this driverlist reads only up to 2");
   json["schema_version"] = 18446744073709551615u;
   EXPECT_EQ(ProblemOf(json),
-            "was written by a newer driverlist: its schema version is 18446744073709551615, and this one reads 2");
+            "was written by a newer driverlist: its schema version is 18446744073709551615, but this driverlist reads "
+            "only up to 2");
 }
 
 TEST(Snapshot, WithAHeadOfOtherTypesIsDamaged) {
@@ -287,19 +289,19 @@ TEST(Snapshot, WithAHeadOfOtherTypesIsDamaged) {
     for (const std::string member : {"tool_version", "host", "host_id", "windows", "time"}) {
       Json json = Snapshot();
       json[member] = Json::parse(values[i]);
-      EXPECT_EQ(ProblemOf(json), "is damaged: " + member + " is " + types[i] + ", where a text is expected");
+      EXPECT_EQ(ProblemOf(json), "is damaged: " + member + " is " + types[i] + ", but should be a text");
     }
   }
   Json json = Snapshot();
   json["schema_version"] = "2";
-  EXPECT_EQ(ProblemOf(json), "is damaged: schema_version is a text, where a whole number is expected");
+  EXPECT_EQ(ProblemOf(json), "is damaged: schema_version is a text, but should be a whole number");
   for (const Json& none : {Json(nullptr), Json(0)}) {
     json["schema_version"] = none;
     EXPECT_EQ(ProblemOf(json), "is damaged: it has no schema_version");
   }
   json = Snapshot();
   json["drivers"] = Json::object();
-  EXPECT_EQ(ProblemOf(json), "is damaged: drivers is an object, where an array is expected");
+  EXPECT_EQ(ProblemOf(json), "is damaged: drivers is an object, but should be an array");
   json.erase("drivers");
   EXPECT_EQ(ProblemOf(json), "is damaged: it has no drivers");
   json.erase("schema_version");
@@ -336,8 +338,8 @@ TEST(Snapshot, WithAMemberOfAnotherTypeSaysWhichOne) {
       json["drivers"][2]["name"] = "smpraid.sys";
       json["drivers"][2][std::string(member.name)] = value;
       const std::string owner = member.isTitle ? "driver 3" : "driver 3 (smpraid.sys)";
-      EXPECT_EQ(ProblemOf(json), "is damaged: " + owner + ": " + std::string(member.name) + " is " + type + ", where " +
-                                     expected + " is expected");
+      EXPECT_EQ(ProblemOf(json), "is damaged: " + owner + ": " + std::string(member.name) + " is " + type +
+                                     ", but should be " + expected);
     }
   }
 }
@@ -348,19 +350,19 @@ TEST(Snapshot, WithAListOfOtherThingsThanTextsSaysWhichOne) {
   json["drivers"][0]["files"] = {"a", 5, "b", true};
   EXPECT_EQ(ProblemOf(json),
             "is damaged: driver 1 (x): files is an array with a whole number in it, "
-            "where an array of texts is expected");
+            "but should be an array of texts");
   json["drivers"][0]["files"] = Json::parse(R"(["a", {"names": 5, "b": [1]}, "c"])");
   EXPECT_EQ(ProblemOf(json),
             "is damaged: driver 1 (x): files is an array with an object in it, "
-            "where an array of texts is expected");
+            "but should be an array of texts");
 }
 
 TEST(Snapshot, NamesARecordThatSaysItsNameTooLate) {
   const std::string head = R"({"kind": "driverlist snapshot", "schema_version": 2, "drivers": [)";
   EXPECT_EQ(ProblemOf(head + R"({"kind": "service", "size": "5", "service": 5, "name": "late.sys"}]})"),
-            "is damaged: driver 1 (late.sys): size is a text, where a whole number is expected");
+            "is damaged: driver 1 (late.sys): size is a text, but should be a whole number");
   EXPECT_EQ(ProblemOf(head + R"({"kind": "service"}, {"size": "5", "name": ")" + std::string(1000, 'x') + "\"}]}"),
-            "is damaged: driver 2: size is a text, where a whole number is expected");
+            "is damaged: driver 2: size is a text, but should be a whole number");
 }
 
 TEST(Snapshot, WithoutKindsIsDamaged) {
@@ -371,15 +373,15 @@ TEST(Snapshot, WithoutKindsIsDamaged) {
   json["drivers"][1]["kind"] = "luck";
   EXPECT_EQ(ProblemOf(json), "is damaged: driver 2 (x): its kind is unknown");
   json["drivers"][1]["kind"] = {"service"};
-  EXPECT_EQ(ProblemOf(json), "is damaged: driver 2 (x): kind is an array, where a text is expected");
+  EXPECT_EQ(ProblemOf(json), "is damaged: driver 2 (x): kind is an array, but should be a text");
 }
 
 TEST(Snapshot, HoldsObjectsOnly) {
   Json json = Snapshot();
   json["drivers"][3] = "driver";
-  EXPECT_EQ(ProblemOf(json), "is damaged: driver 4 is a text, where an object is expected");
+  EXPECT_EQ(ProblemOf(json), "is damaged: driver 4 is a text, but should be an object");
   json["drivers"][0] = {1, 2};
-  EXPECT_EQ(ProblemOf(json), "is damaged: driver 1 is an array, where an object is expected");
+  EXPECT_EQ(ProblemOf(json), "is damaged: driver 1 is an array, but should be an object");
 }
 
 TEST(Snapshot, IsNestedAsDeepAsItsRecordsAndNotMuchDeeper) {
@@ -429,7 +431,7 @@ TEST(Snapshot, HoldsAMillionRecordsAndNoMore) {
     ReadSnapshot(more);
     FAIL() << "was read";
   } catch (const InputProblem& problem) {
-    EXPECT_STREQ(problem.what(), "holds more than 1,000,000 drivers");
+    EXPECT_STREQ(problem.what(), "contains more than 1,000,000 drivers");
   }
 }
 

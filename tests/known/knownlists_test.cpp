@@ -134,16 +134,16 @@ TEST(Policy, IsRefusedWhereARuleCannotBeChecked) {
   const std::string root = R"(<CertRoot Type="TBS" Value=")" + Sha1 + R"(" />)";
   EXPECT_EQ(problem(root), "");
   EXPECT_EQ(problem(R"(<CertRoot Type="Wellknown" Value="06" />)"),
-            "holds a rule that cannot be checked: S1 has a root by name");
-  EXPECT_EQ(problem(root + R"(<CertEKU ID="E" />)"), "holds a rule that cannot be checked: S1 has CertEKU");
+            "contains a rule that cannot be checked: S1 has a root by name");
+  EXPECT_EQ(problem(root + R"(<CertEKU ID="E" />)"), "contains a rule that cannot be checked: S1 has CertEKU");
   EXPECT_EQ(problem(root + R"(<FileAttribRef RuleID="GONE" />)"), "is damaged: there is no rule \"GONE\"");
   EXPECT_EQ(problem(R"(<CertRoot Type="TBS" Value="12" />)"), "is damaged: the signer S1 has no hash");
   EXPECT_EQ(ProblemOf(PolicyText("", R"(<Deny ID="D" FilePath="C:\x" />)",
                                  R"(<FileRulesRef><FileRuleRef RuleID="D" /></FileRulesRef>)")),
-            "holds a rule that cannot be checked: D has FilePath");
+            "contains a rule that cannot be checked: D has FilePath");
   EXPECT_EQ(ProblemOf(PolicyText("", R"(<Deny ID="D" FileName="x" MinimumFileVersion="x" />)",
                                  R"(<FileRulesRef><FileRuleRef RuleID="D" /></FileRulesRef>)")),
-            "is damaged: the MinimumFileVersion of D is no version");
+            "is damaged: the MinimumFileVersion of D is not a version");
 }
 
 TEST(Policy, WithADocumentTypeIsRefused) {
@@ -181,13 +181,13 @@ TEST(CompactList, WithoutSomeOfItsEntriesIsRefused) {
   std::string text = CompactList(Known());
   const std::size_t begin = text.find("{\"list\":0,\"id\":\"2\"");
   text.erase(begin, text.find('\n', begin) + 1 - begin);
-  EXPECT_EQ(ProblemOf(text), "is damaged: LOLDrivers has 2 entries, and not 3");
+  EXPECT_EQ(ProblemOf(text), "is damaged: LOLDrivers has 2 entries instead of 3");
 }
 
 TEST(CompactList, OfAnotherFormIsRefused) {
   std::string text = CompactList(Known());
   text.replace(text.find("\"version\":1"), 11, "\"version\":2");
-  EXPECT_EQ(ProblemOf(text), "is a list in the form 2, and this driverlist reads 1");
+  EXPECT_EQ(ProblemOf(text), "is a list of format version 2, but this driverlist reads version 1");
 }
 
 TEST(CompactList, WithADamagedEntryIsRefused) {
@@ -197,11 +197,11 @@ TEST(CompactList, WithADamagedEntryIsRefused) {
         "]}");
   };
   EXPECT_EQ(entries(R"({"list": 0, "id": "1", "hashes": [")" + Md5 + R"("]})"), "");
-  EXPECT_EQ(entries(R"({"list": 1, "id": "1"})"), "is damaged: 1 is of no list");
+  EXPECT_EQ(entries(R"({"list": 1, "id": "1"})"), "is damaged: 1 belongs to no list");
   EXPECT_EQ(entries(R"({"list": 0})"), "is damaged: entry 1 has no id");
-  EXPECT_EQ(entries(R"({"list": 0, "id": "1", "hashes": ["12"]})"), "is damaged: entry 1 has a hash that is none");
+  EXPECT_EQ(entries(R"({"list": 0, "id": "1", "hashes": ["12"]})"), "is damaged: entry 1 has an invalid hash");
   EXPECT_EQ(entries(R"({"list": 0, "id": "1", "names": [{"min": "x"}]})"),
-            "is damaged: entry 1 has a version that is none");
+            "is damaged: entry 1 has an invalid version");
   EXPECT_EQ(entries("[[]]"), "is damaged: entry 0 has no id");
 }
 
@@ -234,7 +234,7 @@ TEST(KnownList, OfManyHashesIsRefused) {
   std::string text = R"([{"Id": "1", "KnownVulnerableSamples": [)";
   text.reserve(MostHashes * 50);
   for (std::size_t i = 0; i <= MostHashes; ++i) text += (i == 0 ? "{\"MD5\":\"" : ",{\"MD5\":\"") + Md5 + "\"}";
-  EXPECT_EQ(ProblemOf(text + "]}]"), "holds more than 2,000,000 hashes");
+  EXPECT_EQ(ProblemOf(text + "]}]"), "contains more than 2,000,000 hashes");
 }
 
 TEST(Hashes, AreSeenByTheirLengthAndDigits) {

@@ -81,21 +81,21 @@ TEST(JsonInput, MayBeNestedSixteenLevelsDeep) {
 TEST(JsonInput, MayHoldTextsOfOneMebibyte) {
   const std::string longest(LongestText, 'x');
   EXPECT_TRUE(Told("[\"" + longest + "\"]") == "[ a text " + longest + " end");
-  EXPECT_EQ(Told("[\"" + longest + "x\"]"), "holds a text of more than 1 MiB");
-  EXPECT_EQ(Told("{\"" + longest + "x\":1}"), "holds a text of more than 1 MiB");
+  EXPECT_EQ(Told("[\"" + longest + "x\"]"), "contains a text of more than 1 MiB");
+  EXPECT_EQ(Told("{\"" + longest + "x\":1}"), "contains a text of more than 1 MiB");
   std::string quotes;
   for (std::size_t i = 0; i < LongestText; ++i) quotes += "\\\"";
-  EXPECT_EQ(Told("[\"" + quotes + "\"]"), "holds a text of more than 1 MiB");
+  EXPECT_EQ(Told("[\"" + quotes + "\"]"), "contains a text of more than 1 MiB");
 }
 
 TEST(JsonInput, MayHoldAMebibyteBetweenTwoTexts) {
   const std::string blanks(LongestText - 2, ' ');
   EXPECT_EQ(Told("[\"a\"," + blanks + " \"b\"]"), "[ a text a a text b end");
-  EXPECT_EQ(Told("[\"a\"," + blanks + "   \"b\"]"), "holds more than 1 MiB without a text");
-  EXPECT_EQ(Told("[" + std::string(LongestText, '1') + "]"), "holds more than 1 MiB without a text");
+  EXPECT_EQ(Told("[\"a\"," + blanks + "   \"b\"]"), "contains more than 1 MiB without a text");
+  EXPECT_EQ(Told("[" + std::string(LongestText, '1') + "]"), "contains more than 1 MiB without a text");
   std::string numbers = "[1";
   for (std::size_t i = 0; i < LongestText; ++i) numbers += ",1";
-  EXPECT_EQ(Told(numbers + "]"), "holds more than 1 MiB without a text");
+  EXPECT_EQ(Told(numbers + "]"), "contains more than 1 MiB without a text");
 }
 
 }  // namespace

@@ -191,10 +191,10 @@ class Counts(unittest.TestCase):
             kinds = {"Services": "service", "Devices": "device", "Packages": "package", "Chipset packages": "chipset"}
             expected = {
                 "Provider": providers(records),
+                "Kind": {label: len(of_kind(records, kind)) for label, kind in kinds.items() if of_kind(records, kind)},
                 "State of services": groups(services, "state", STATES),
                 "Start type of services": {text: f"{count}, {running.get(text, 0)} running"
                                            for text, count in groups(services, "start_type", START_TYPES).items()},
-                "Kind": {label: len(of_kind(records, kind)) for label, kind in kinds.items() if of_kind(records, kind)},
                 "Age of service images": ages(services, page.time),
             }
             for heading, bars in expected.items():

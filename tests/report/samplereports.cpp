@@ -5,6 +5,8 @@
 #include <vector>
 
 #include "commands/columns.h"
+#include "formats/formats.h"
+#include "formats/html/htmldiff.h"
 #include "formats/html/htmlformat.h"
 #include "platform/encoding.h"
 #include "terminal/output.h"
@@ -69,6 +71,16 @@ Records Hostile() {
   return records;
 }
 
+/// Texts that a saved file must write with care.
+Records Formulas() {
+  Records records;
+  for (const char* name : {"=1+1", "+1", "-1", "@a", "\t=1", "\r=1", "'=1", "a,b", "a\"b", "a\nb", " =1", ""}) {
+    records.push_back(Of(name));
+    records.back().size = 5;
+  }
+  return records;
+}
+
 std::string Numbered(const char* format, int number) {
   std::array<char, 64> text{};
   std::snprintf(text.data(), text.size(), format, number);
@@ -104,7 +116,7 @@ Record LargeRecord(int i) {
 
 Records Large() {
   Records records;
-  for (int i = 0; i < 2000; ++i) records.push_back(LargeRecord(i));
+  for (int i = 0; i < 3000; ++i) records.push_back(LargeRecord(i));
   return records;
 }
 
@@ -186,6 +198,50 @@ bool Write(const std::string& path, const Records& records, const Columns& colum
   return WriteFile(path, driverlist::FormatHtml(table, {Head, "", &records}));
 }
 
+bool WriteCsv(const std::string& path, const Records& records) {
+  return WriteFile(path, driverlist::FormatCsv(driverlist::TableOf(records), {}));
+}
+
+/// A finding of every rule about every record.
+std::vector<inventory::Finding> FindingsAbout(const Records& records) {
+  std::vector<inventory::Finding> findings;
+  for (const inventory::HealthRule& rule : inventory::HealthRules()) {
+    for (const Record& record : records) {
+      inventory::Finding finding;
+      finding.rule = rule.name;
+      finding.subject = inventory::KeyTextOf(record);
+      finding.evidence = "evidence of " + record.name;
+      finding.severity = rule.severity;
+      finding.nextStep = "look at " + record.name;
+      findings.push_back(finding);
+    }
+  }
+  return findings;
+}
+
+/// The page of an examination, with the columns of one that was verified.
+bool WriteExamination(const std::string& path, const Records& records, const Columns& columns) {
+  const std::vector<inventory::Finding> findings = FindingsAbout(records);
+  driverlist::HtmlContext context = {Head, "", &records, &findings, {"looked up in a list"}};
+  context.isExamination = true;
+  return WriteFile(path, driverlist::FormatHtml(WithColumns(driverlist::TableOf(records), columns), context));
+}
+
+/// Every record of `records` in another state than before, behind some that came.
+bool WriteComparison(const std::string& path, const Records& records) {
+  Records before = records;
+  for (Record& record : before) record.provider += " of old";
+  before.pop_back();
+  inventory::Inventory older;
+  older.head = Head;
+  older.records = before;
+  inventory::Inventory newer;
+  newer.head = Head;
+  newer.records = records;
+  const inventory::Comparison comparison = inventory::Compare(std::move(older), std::move(newer));
+  return WriteFile(path, driverlist::FormatDiffHtml(comparison, Head));
+}
+
 bool WriteListing(const std::string& path) {
   inventory::ListedDriver driver;
   driver.name = "beta10.sys";
@@ -203,9 +259,17 @@ int wmain(int argc, wchar_t** argv) {
   const std::string folder = Orvane::Utf8FromWide(argv[1]) + "\\";
   const Columns all = driverlist::ColumnsOf(std::nullopt);
   const Columns usual = driverlist::DefaultColumns(all, driverlist::Format::Html, false);
+  const Columns verified = driverlist::DefaultColumns(all, driverlist::Format::Html, true);
   const bool isWritten = Write(folder + "sorting.html", ToBeSorted(), all) &&
                          Write(folder + "hostile.html", Hostile(), all) && Write(folder + "large.html", Large(), all) &&
                          Write(folder + "empty.html", {}, all) && Write(folder + "scripts.html", Scripts(), usual) &&
-                         Write(folder + "scripts-all.html", Scripts(), all) && WriteListing(folder + "listing.html");
+                         Write(folder + "scripts-all.html", Scripts(), all) && WriteListing(folder + "listing.html") &&
+                         WriteCsv(folder + "hostile.csv", Hostile()) && WriteCsv(folder + "formulas.csv", Formulas()) &&
+                         Write(folder + "formulas.html", Formulas(), all) &&
+                         WriteCsv(folder + "sorting.csv", ToBeSorted()) &&
+                         WriteExamination(folder + "findings.html", Scripts(), verified) &&
+                         WriteExamination(folder + "hostile.findings.html", Hostile(), verified) &&
+                         WriteComparison(folder + "differences.html", Scripts()) &&
+                         WriteComparison(folder + "hostile.differences.html", Hostile());
   return isWritten ? 0 : 1;
 }

@@ -16,7 +16,7 @@ using Json = nlohmann::json;
 
 DWORD Named(const std::map<std::string, DWORD>& values, const std::string& name) {
   const auto value = values.find(name);
-  if (value == values.end()) throw std::runtime_error("\"" + name + "\" is none of the names that may stand there");
+  if (value == values.end()) throw std::runtime_error("\"" + name + "\" is not one of the names that may stand there");
   return value->second;
 }
 

@@ -90,10 +90,7 @@ class SampleMachine : public test::ScratchMachine {
 
   /// On a terminal of 80 columns, of which 79 are used.
   void FitsATerminal() const {
-    std::vector<inventory::Column> columns = driverlist::ParseCommandLine({}).options.value().columns;
-    columns.erase(std::remove_if(columns.begin(), columns.end(),
-                                 [](const inventory::Column& column) { return column.isForWideTables; }),
-                  columns.end());
+    const std::vector<inventory::Column> columns = driverlist::ParseCommandLine({}).options.value().columns;
     driverlist::Table table = driverlist::TableOf(inventory::Collect({}).records);
     std::vector<std::size_t> rows(table.rows.size());
     std::iota(rows.begin(), rows.end(), std::size_t{0});
@@ -274,20 +271,26 @@ std::string PrintedBy(const std::string& arguments) {
   return WithoutPlace(result.output);
 }
 
+std::string PolicyOfTheManual() { return test::FileContent(L"..\\..\\docs\\policies\\workstation.json"); }
+
 TEST_F(IntelLaptop, RunsEveryExampleOfTheHelp) {
   const test::TemporaryFolder folder;
+  test::WriteText(folder.Path(L"policy.json"), PolicyOfTheManual());
   const CurrentFolder current(folder.Path(L""));
-  // Others read the snapshots of these.
-  for (const driverlist::Example& example : driverlist::EntryOf(driverlist::Command::Snapshot).examples) {
-    PrintedBy(std::string(example.arguments));
+  // Others read the snapshots and baselines of these.
+  for (const driverlist::Command command : {driverlist::Command::Snapshot, driverlist::Command::Baseline}) {
+    for (const driverlist::Example& example : driverlist::EntryOf(command).examples) {
+      PrintedBy(std::string(example.arguments));
+    }
   }
   for (const driverlist::CommandEntry& command : driverlist::CommandTable()) {
     for (const driverlist::Example& example : command.examples) PrintedBy(std::string(example.arguments));
   }
   std::vector<std::wstring> files = folder.Files();
   std::sort(files.begin(), files.end());
-  EXPECT_THAT(files, testing::ElementsAre(L"after.json", L"before.json", L"changes.json", L"drivers.html",
-                                          L"findings.json", L"lines.jsonl"));
+  EXPECT_THAT(files,
+              testing::ElementsAre(L"accepted.json", L"after.json", L"before.json", L"changes.json", L"drivers.html",
+                                   L"findings.json", L"lines.jsonl", L"policy.json", L"policy.xml"));
 }
 
 std::string Manual() { return test::FileContent(L"..\\..\\docs\\driverlist.md"); }
@@ -296,6 +299,7 @@ TEST_F(IntelLaptop, PrintsWhatTheManualShows) {
   const std::vector<ShownCall> calls = CallsInBlocks(Manual());
   EXPECT_GE(calls.size(), 10u);
   const test::TemporaryFolder folder;
+  test::WriteText(folder.Path(L"workstation.json"), PolicyOfTheManual());
   const CurrentFolder current(folder.Path(L""));
   for (const ShownCall& call : calls) {
     std::string printed = PrintedBy(call.arguments);
