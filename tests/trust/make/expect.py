@@ -41,7 +41,9 @@ def names_certificates(path):
 def state_of(path, verified, output):
     if verified:
         return "valid"
-    unsupported = "unsupported input file type" in output and not names_certificates(path)
+    # In the words of osslsigncode 2.9 and of 2.5.
+    words = ("unsupported input file type", "Unrecognized file type", "Corrupt PE file")
+    unsupported = any(text in output for text in words) and not names_certificates(path)
     unsigned = "No signature found" in output and not names_certificates(path)
     return "unsigned" if unsigned or unsupported else "invalid"
 
@@ -63,7 +65,7 @@ def image_hash(path, algorithm):
 
 def stamped_at(output):
     """The time of the stamp of the first signature that has one."""
-    found = re.search(r"Timestamp time: (\w+) +(\d+) ([\d:]+) (\d+) GMT", output)
+    found = re.search(r"(?:Timestamp time|The signature is timestamped): (\w+) +(\d+) ([\d:]+) (\d+) GMT", output)
     if not found:
         return None
     month, day, time, year = found.groups()
