@@ -285,6 +285,8 @@
       if (a.key === null || b.key === null) return (a.key === null) - (b.key === null) || a.row.position - b.row.position;
       return (descending ? -1 : 1) * compare(a.key, b.key) || a.row.position - b.row.position;
     });
+    // Emptied at once: some browsers need milliseconds for every single row that moves.
+    body.replaceChildren();
     const fragment = document.createDocumentFragment();
     for (const { row } of keyed) fragment.append(...[row.element, row.opened].filter(Boolean));
     body.append(fragment);
