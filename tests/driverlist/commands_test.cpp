@@ -557,9 +557,9 @@ TEST_F(ProgramCommand, IsColouredOnATerminal) {
   const std::vector<std::string> list = {"--where", "service=OiBus"};
   EXPECT_EQ(OnATerminal(80, list),
             "\x1B[1mkind\x1B[0m     \x1B[1mname\x1B[0m       \x1B[1mversion\x1B[0m         \x1B[1mstate\x1B[0m    "
-            "\x1B[1mstart_type\x1B[0m  \x1B[1mprovider\x1B[0m  \x1B[1mservice\x1B[0m  \x1B[1minf\x1B[0m\n"
-            "service  OiBus.sys  6.2.9200.16384  \x1B[33mStopped\x1B[0m  Manual      Example\u2026  OiBus\n"
-            "\nThere is no room for path; --columns shows it.\n");
+            "\x1B[1mstart_type\x1B[0m  \x1B[1mprovider\x1B[0m       \x1B[1mservice\x1B[0m\n"
+            "service  OiBus.sys  6.2.9200.16384  \x1B[33mStopped\x1B[0m  Manual      Example Syst\u2026  OiBus\n"
+            "\nThere is no room for inf and path; --columns shows them.\n");
   const test::EnvironmentVariable forbidden("NO_COLOR", "1");
   EXPECT_EQ(OnATerminal(200, list),
             "kind     name       version         state    start_type  provider         service  inf  path\n"

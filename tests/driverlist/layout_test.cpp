@@ -57,6 +57,13 @@ TEST(Layout, LetsColumnsLeaveInTheirOrderBeforeItCutsBelowFloors) {
   EXPECT_EQ(Laid(columns, 22), "no room");
 }
 
+TEST(Layout, LetsEmptyColumnsLeaveBeforeItCuts) {
+  const std::vector<ColumnNeeds> columns = {{20, 0, 10, 0}, {3, 0, 0, 2, true}, {8, 0, 0, 1}, {3, 0, 0, 0, true}};
+  EXPECT_EQ(Laid(columns, 40), "0:20 1:3 2:8 3:3");
+  EXPECT_EQ(Laid(columns, 39), "0:20 2:8 3:3") << "the one that may leave";
+  EXPECT_EQ(Laid(columns, 34), "0:19 2:8 3:3") << "all others are cut as before";
+}
+
 TEST(Layout, LeavesNarrowColumnsAsTheyAre) {
   EXPECT_EQ(Laid({{3, 0, 16, 0}, {30, 0, 16, 0}}, 21), "0:3 1:16");
   EXPECT_EQ(Laid({{3, 0, 16, 0}, {30, 0, 16, 0}}, 11), "0:3 1:6");

@@ -46,10 +46,10 @@ class ProgramOnATerminal : public test::ScratchMachine {
 TEST_F(ProgramOnATerminal, ColoursTheInventory) {
   EXPECT_EQ(OnATerminal(80, {"--kind", "service"}),
             "\x1B[1mkind\x1B[0m     \x1B[1mname\x1B[0m       \x1B[1mversion\x1B[0m         \x1B[1mstate\x1B[0m    "
-            "\x1B[1mstart_type\x1B[0m  \x1B[1mprovider\x1B[0m  \x1B[1mservice\x1B[0m  \x1B[1minf\x1B[0m\n"
-            "service  OiBus.sys  6.2.9200.16384  \x1B[33mStopped\x1B[0m  Manual      Example\u2026  OiBus\n"
+            "\x1B[1mstart_type\x1B[0m  \x1B[1mprovider\x1B[0m       \x1B[1mservice\x1B[0m\n"
+            "service  OiBus.sys  6.2.9200.16384  \x1B[33mStopped\x1B[0m  Manual      Example Syst\u2026  OiBus\n"
             "\n"
-            "There is no room for path; --columns shows it.\n");
+            "There is no room for inf and path; --columns shows them.\n");
 }
 
 TEST_F(ProgramOnATerminal, HasNoColoursWhereCodesAreNotUnderstood) {
@@ -84,9 +84,11 @@ TEST_F(ProgramOnATerminal, LeavesOutNothingThatWasAskedFor) {
 TEST_F(ProgramOnATerminal, ShowsMoreOnAWideOne) {
   const test::EnvironmentVariable forbidden("NO_COLOR", "1");
   EXPECT_EQ(OnATerminal(120, {"--kind", "service"}),
-            "kind     name       version         state    start_type  provider         service  inf  path\n"
-            "service  OiBus.sys  6.2.9200.16384  Stopped  Manual      Example Systems  OiBus         "
-            "\u2026ows\\System32\\drivers\\OiBus.sys\n");
+            "kind     name       version         state    start_type  provider         service  path\n"
+            "service  OiBus.sys  6.2.9200.16384  Stopped  Manual      Example Systems  OiBus    "
+            "\u2026\\windows\\System32\\drivers\\OiBus.sys\n"
+            "\n"
+            "There is no room for inf; --columns shows it.\n");
   EXPECT_EQ(
       OnATerminal(120, {"--mode", "registered", "--where", "name=OiBus*"}),
       "name       file_version    state    start_type  provider         path\n"

@@ -27,15 +27,23 @@ Widths LeastOf(const std::vector<ColumnNeeds>& columns, const std::vector<std::s
   return least;
 }
 
+Widths NaturalOf(const std::vector<ColumnNeeds>& columns, const std::vector<std::size_t>& shown) {
+  Widths natural;
+  for (const std::size_t column : shown) natural.push_back(std::max(columns[column].natural, std::size_t{1}));
+  return natural;
+}
+
+enum class Leaving { EmptyOnes, All };
+
 /// Lets the column go whose turn it is. False when all that are left stay.
-bool LetOneLeave(const std::vector<ColumnNeeds>& columns, std::vector<std::size_t>& shown) {
-  const auto turn = [&columns](std::size_t column) {
-    const unsigned place = columns[column].leavesAs;
-    return place == 0 ? ~0u : place;
+bool LetOneLeave(const std::vector<ColumnNeeds>& columns, Leaving leaving, std::vector<std::size_t>& shown) {
+  const auto turn = [&columns, leaving](std::size_t column) {
+    const bool stays = columns[column].leavesAs == 0 || (leaving == Leaving::EmptyOnes && !columns[column].isEmpty);
+    return stays ? ~0u : columns[column].leavesAs;
   };
   const auto next =
       std::min_element(shown.begin(), shown.end(), [&turn](std::size_t a, std::size_t b) { return turn(a) < turn(b); });
-  if (next == shown.end() || columns[*next].leavesAs == 0) return false;
+  if (next == shown.end() || turn(*next) == ~0u) return false;
   shown.erase(next);
   return true;
 }
@@ -57,17 +65,19 @@ std::optional<Layout> LayOut(const std::vector<ColumnNeeds>& columns, std::size_
   Layout layout;
   layout.shown.resize(columns.size());
   std::iota(layout.shown.begin(), layout.shown.end(), std::size_t{0});
+  layout.widths = NaturalOf(columns, layout.shown);
+  while (width > 0 && LineWidth(layout.widths) > width && LetOneLeave(columns, Leaving::EmptyOnes, layout.shown)) {
+    layout.widths = NaturalOf(columns, layout.shown);
+  }
   Widths least = LeastOf(columns, layout.shown, Cutting::DownToTheFloor);
-  while (width > 0 && LineWidth(least) > width && LetOneLeave(columns, layout.shown)) {
+  while (width > 0 && LineWidth(least) > width && LetOneLeave(columns, Leaving::All, layout.shown)) {
     least = LeastOf(columns, layout.shown, Cutting::DownToTheFloor);
   }
   if (width > 0 && LineWidth(least) > width) {
     least = LeastOf(columns, layout.shown, cutting);
     if (LineWidth(least) > width) return std::nullopt;
   }
-  for (const std::size_t column : layout.shown) {
-    layout.widths.push_back(std::max(columns[column].natural, std::size_t{1}));
-  }
+  layout.widths = NaturalOf(columns, layout.shown);
   if (width > 0) FitDownTo(least, layout.widths, width);
   return layout;
 }

@@ -21,6 +21,8 @@ struct ColumnNeeds {
   std::size_t floor = 0;
   /// Its place, from 1, in the order in which columns are left out of a table that is too wide; 0 if it is not.
   unsigned leavesAs = 0;
+  /// Whether it has no text but its title. If it may be left out, it goes before any text is cut.
+  bool isEmpty = false;
 };
 
 struct Layout {
@@ -33,9 +35,10 @@ struct Layout {
 /// How far texts may be cut.
 enum class Cutting { DownToTheFloor, AsFarAsReadable };
 
-/// A layout with lines of up to `width` columns; 0 for no limit. There are three steps, each taken only if the one
-/// before was not enough: texts are cut, those of the widest column first, down to the floors of their columns; columns
-/// are left out; texts are cut further, as far as `cutting` allows. Nothing if the lines are still too long.
+/// A layout with lines of up to `width` columns; 0 for no limit. There are four steps, each taken only if the one before
+/// was not enough: empty columns are left out; texts are cut, those of the widest column first, down to the floors of
+/// their columns; other columns are left out; texts are cut further, as far as `cutting` allows. Nothing if the lines
+/// are still too long.
 std::optional<Layout> LayOut(const std::vector<ColumnNeeds>& columns, std::size_t width, Cutting cutting);
 
 }  // namespace driverlist

@@ -14,12 +14,13 @@ namespace {
 std::vector<ColumnNeeds> NeedsOf(const std::vector<RowColumn>& columns, const TextRows& rows) {
   std::vector<ColumnNeeds> needs;
   for (const RowColumn& column : columns) {
-    needs.push_back({std::max(Columns(column.title), std::size_t{1}), 0, column.floor, column.leavesAs});
+    needs.push_back({std::max(Columns(column.title), std::size_t{1}), 0, column.floor, column.leavesAs, !rows.empty()});
   }
   for (const auto& row : rows) {
     for (std::size_t i = 0; i < needs.size(); ++i) {
       const std::size_t width = Columns(row[i].text);
       needs[i].natural = std::max(needs[i].natural, width);
+      needs[i].isEmpty = needs[i].isEmpty && width == 0;
       if (row[i].isWhole) needs[i].whole = std::max(needs[i].whole, width);
     }
   }

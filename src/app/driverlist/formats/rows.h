@@ -26,8 +26,8 @@ struct RowColumn {
   std::size_t floor = 0;
   /// Whether a text that does not fit is cut at its beginning rather than at its end.
   bool keepsEnd = false;
-  /// Its place, from 1, in the order in which columns are left out of a page that is too narrow; 0 if it never is. The
-  /// text below the table says that --columns shows it.
+  /// Its place, from 1, in the order in which columns are left out of a page that is too narrow, the empty ones first;
+  /// 0 if it never is. The text below the table says that --columns shows it.
   unsigned leavesAs = 0;
 };
 
