@@ -107,13 +107,13 @@ class PolicyReader {
  private:
   void ReadScenario(const xml_node& rules) {
     for (const xml_node& reference : rules.child("FileRulesRef").children("FileRuleRef")) {
-      const xml_node& rule = Find(m_rules, Text(reference, "RuleID"));
+      const xml_node rule = Find(m_rules, Text(reference, "RuleID"));
       if (IsNamed(rule, "Deny") && !IsOfPages(rule) && IsNew(rule)) AddFileRule(rule);
     }
     for (const xml_node& denied : rules.child("DeniedSigners").children("DeniedSigner")) {
       const std::string id = Text(denied, "SignerId");
       if (denied.first_child()) Unknown(id, denied.first_child().name());
-      const xml_node& signer = Find(m_signers, id);
+      const xml_node signer = Find(m_signers, id);
       if (IsNew(signer)) AddSigner(signer);
     }
   }
@@ -121,7 +121,7 @@ class PolicyReader {
   /// A policy may name a rule more than once.
   bool IsNew(const xml_node& rule) { return m_taken.insert(Text(rule, "ID")).second; }
 
-  static const xml_node& Find(const std::map<std::string, xml_node>& nodes, const std::string& id) {
+  static xml_node Find(const std::map<std::string, xml_node>& nodes, const std::string& id) {
     const auto found = nodes.find(id);
     if (found == nodes.end()) Damaged("there is no rule \"" + id + "\"");
     return found->second;
