@@ -131,6 +131,13 @@ TEST_F(ServiceListing, ExpandsEnvironmentVariables) {
   EXPECT_THAT(NamesAndPaths(), ElementsAre("OiExpand.sys " + DriverPath("OiExpand.sys")));
 }
 
+TEST_F(ServiceListing, ExpandsVariablesWithinAPath) {
+  const test::EnvironmentVariable folder("OI_FOLDER", "drivers");
+  const ScratchFile image(DriverPath("OiWithin.sys"), 1);
+  const DriverService service("OiWithin", "System32\\%OI_FOLDER%\\OiWithin.sys");
+  EXPECT_THAT(NamesAndPaths(), ElementsAre("OiWithin.sys " + DriverPath("OiWithin.sys")));
+}
+
 TEST_F(ServiceListing, ExpandsWhateverTypeTheValueHas) {
   const ScratchFile image(DriverPath("OiBytes.sys"), 1);
   const DriverService service("OiBytes", "elsewhere\\OiBytes.sys");

@@ -102,6 +102,13 @@ TEST(UniqueDrivers, KeepAVersionThatIsBeforeAllOthersAmongCycles) {
   }
 }
 
+// "1g" is before "9", "9" before "10", and "10" before "1g": which one is kept depends on where they stand.
+TEST(UniqueDrivers, AreComparedAsTheyStandWhereVersionsRunInACircle) {
+  EXPECT_THAT(Unique({Record("a", "9"), Record("a", "10"), Record("a", "1g")}), ElementsAre("a 1g"));
+  EXPECT_THAT(Unique({Record("a", "10"), Record("a", "1g"), Record("a", "9")}), ElementsAre("a 9"));
+  EXPECT_THAT(Unique({Record("a", "1g"), Record("a", "9"), Record("a", "10")}), ElementsAre("a 10"));
+}
+
 TEST(DriverBaseName, EndsBeforeTheFirstExtensionThatOccurs) {
   EXPECT_EQ(DeviceDiscovery::DriverBaseName("e1000.SYS"), "e1000");
   EXPECT_EQ(DeviceDiscovery::DriverBaseName("E1000.Inf"), "E1000");

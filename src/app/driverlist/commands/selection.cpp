@@ -78,7 +78,7 @@ std::vector<Row> CountedRows(const Table& table, const std::vector<std::size_t>&
   }
   std::vector<Row> counted;
   for (auto& [key, group] : groups) {
-    group.first.push_back({inventory::Value(group.second)});
+    group.first.emplace_back().value = group.second;
     counted.push_back(std::move(group.first));
   }
   return counted;

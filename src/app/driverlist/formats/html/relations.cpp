@@ -27,10 +27,9 @@ void Add(Index& index, const std::string& text, std::size_t record) {
   if (records.size() < most) records.push_back(record);
 }
 
-const std::vector<std::size_t>& RecordsOf(const Index& index, const std::string& text) {
-  static const std::vector<std::size_t> none;
+std::vector<std::size_t> RecordsOf(const Index& index, const std::string& text) {
   const auto found = index.find(text);
-  return found == index.end() ? none : found->second;
+  return found == index.end() ? std::vector<std::size_t>() : found->second;
 }
 
 class Relations {
@@ -60,8 +59,8 @@ class Relations {
   }
 
   void RelateDevice(std::size_t device) {
-    const std::vector<std::size_t>& packages = RecordsOf(m_packages, LowerCase(m_records[device].inf));
-    const std::vector<std::size_t>& services = RecordsOf(m_services, LowerCase(m_records[device].service));
+    const std::vector<std::size_t> packages = RecordsOf(m_packages, LowerCase(m_records[device].inf));
+    const std::vector<std::size_t> services = RecordsOf(m_services, LowerCase(m_records[device].service));
     for (const std::size_t package : packages) Relate(device, package);
     for (const std::size_t service : services) {
       Relate(device, service);
