@@ -49,7 +49,7 @@ class BaselineReader final : public JsonEvents {
 
   bool IsBaseline() const { return m_kind == BaselineKind; }
 
-  /// Throws unless all that makes a baseline was there.
+  /// Throws if a member that every baseline has is missing.
   Baseline Take() {
     if (!IsBaseline()) throw InputProblem("is not a baseline of driverlist");
     if (m_schema.value_or(0) > SchemaVersion) {
@@ -105,7 +105,7 @@ class BaselineReader final : public JsonEvents {
     m_baseline.ids.emplace(value.text);
   }
 
-  /// Of several problems the first is the one to report, and only once it is known to be a baseline.
+  /// Only the first problem is reported, and only once the file is known to be a baseline.
   void Note(const JsonScalar& value, const char* expected) {
     if (!m_problem.empty()) return;
     m_problem =
@@ -128,7 +128,7 @@ class BaselineReader final : public JsonEvents {
     }
   }
 
-  /// Where a text outside the findings goes; null for a member that is not known.
+  /// Where to store the text of a member outside the findings; null for an unknown member.
   std::string* HeadText() {
     Head& head = m_baseline.head;
     for (const auto& [name, text] :
@@ -146,9 +146,9 @@ class BaselineReader final : public JsonEvents {
   bool m_hasFindings = false;
   std::string m_problem;
   std::vector<Place> m_places;
-  /// Of the member that is read.
+  /// The name of the member being read.
   std::string m_name;
-  /// Findings so far, and whether the last one has its identity.
+  /// The number of findings so far, and whether the last one has an identity.
   std::size_t m_count = 0;
   bool m_hasId = false;
 };
@@ -190,7 +190,7 @@ void RequireComparable(const Baseline& baseline, const Inventory& inventory) {
 NewFindings NewSince(const Baseline& baseline, std::vector<Finding> findings) {
   NewFindings found;
   for (Finding& finding : findings) {
-    // A finding that nothing recognises is always new.
+    // A finding without an identity cannot be recognised again: it is always new.
     if (!finding.id.empty() && baseline.ids.count(finding.id) != 0) {
       ++found.hidden;
     } else {

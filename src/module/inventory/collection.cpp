@@ -7,7 +7,7 @@
 namespace inventory {
 namespace {
 
-/// The content: a line for each record, without the head.
+/// One line per record, without the members of the head.
 std::string RecordLines(const Records& records) {
   std::string lines;
   for (const Record& record : records) {
@@ -18,7 +18,7 @@ std::string RecordLines(const Records& records) {
   return lines;
 }
 
-/// `lines` with the members of `head` at the beginning of each: `{"a":1}` and `{"b":2}` become `{"a":1,"b":2}`.
+/// Puts the members of `head` at the beginning of each of `lines`: `{"a":1}` and `{"b":2}` become `{"a":1,"b":2}`.
 std::string WithHead(const Json& head, const std::string& lines) {
   std::string beginning = JsonText(head, false);
   beginning.back() = ',';

@@ -19,7 +19,7 @@ namespace {
 
 using Orvane::LowerCase;
 
-// --- Orders. Below, at or above 0, as of texts.
+// --- Orders. The result is below, at or above 0, as with strcmp().
 
 template <typename T>
 int Order(const T& a, const T& b) {
@@ -60,8 +60,8 @@ int OrderByMembers(const Record& a, const Record& b) {
   return 0;
 }
 
-/// Whether both know the member and have another value. Not for ordering: of three records, the first and the last can
-/// differ although neither differs from the one between, which does not know it.
+/// Whether both records know the member and their values differ. Not usable for ordering: the first and the last of
+/// three records can differ although neither differs from the one in between, which does not know the member.
 bool DiffersWhereKnown(const Record& a, const Record& b, const Member& member) {
   if (!member.isComparedIfKnown || (member.isComparedInSameVersion && a.version != b.version)) return false;
   const Value before = ValueOf(a, member);
@@ -110,8 +110,8 @@ struct Sides {
   Refs after;
 };
 
-/// Takes pairs out of `sides`: of the records between which `order` makes no difference, the newest of one side with
-/// the newest of the other and so on. Two for which `mayPair` does not hold both stay.
+/// Takes pairs out of `sides`: among records that are equal by `order`, the newest of one side goes with the newest of
+/// the other, and so on. If `mayPair` does not hold for two records, both stay.
 template <typename Order, typename MayPair, typename OnPair>
 void TakePairs(Sides& sides, Order order, MayPair mayPair, OnPair onPair) {
   for (Refs* const side : {&sides.before, &sides.after}) {
@@ -122,7 +122,7 @@ void TakePairs(Sides& sides, Order order, MayPair mayPair, OnPair onPair) {
   }
   auto before = sides.before.begin();
   auto after = sides.after.begin();
-  // What stays moves to the front of its side.
+  // Records that stay move to the front of their side.
   auto beforeEnd = before;
   auto afterEnd = after;
   while (before != sides.before.end() && after != sides.after.end()) {
@@ -150,7 +150,7 @@ int OrderByAll(const Record& a, const Record& b, const Keys& keys) {
   return order != 0 ? order : OrderByMembers(a, b);
 }
 
-/// Finds partners for records that differ from each record with their key, the surest first.
+/// Finds partners for the records that have no identical one on the other side, the most certain pairs first.
 void FindDifferences(Sides sides, const Keys& keys, std::vector<Difference>& differences) {
   const auto differ = [&differences](const Record& before, const Record& after) {
     differences.push_back({KindOf(before, after), &before, &after});
@@ -172,7 +172,7 @@ void FindDifferences(Sides sides, const Keys& keys, std::vector<Difference>& dif
   const auto hasOriginalName = [](const Record& a, const Record&) { return !a.original_inf.empty(); };
   TakePairs(sides, byOriginalName, hasOriginalName, differ);
 
-  // Packages that were delivered under two names are two, although Windows published both under one.
+  // Packages with different original names are different packages, even if Windows published both under the same name.
   const auto mayBeOne = [](const Record& a, const Record& b) {
     return a.original_inf.empty() || b.original_inf.empty();
   };
@@ -184,8 +184,8 @@ void FindDifferences(Sides sides, const Keys& keys, std::vector<Difference>& dif
 
 // --- Groups
 
-/// By what the records of one inventory are linked to the difference of a package, which is given by its position. Keys
-/// are in lower case.
+/// Links the records of one inventory to the differences of packages, which are given by their positions. Keys are in
+/// lower case.
 class Links {
  public:
   void AddPackage(const Record& package, std::size_t difference) {
@@ -208,7 +208,7 @@ class Links {
  private:
   using Differences = std::unordered_map<std::string, std::size_t>;
 
-  /// The first of several stays.
+  /// If there are several, the first one is kept.
   static void Add(Differences& differences, std::string key, std::size_t difference) {
     if (!key.empty()) differences.emplace(std::move(key), difference);
   }
@@ -222,7 +222,7 @@ class Links {
   Differences m_byService;
 };
 
-/// For each difference the position of the one that leads its group.
+/// For each difference, the position of the one that leads its group.
 std::vector<std::size_t> Leaders(const std::vector<Difference>& differences) {
   Links before;
   Links after;
@@ -291,8 +291,8 @@ bool IsAnotherVersion(const Difference& difference) {
   return difference.kind == DifferenceKind::Upgraded || difference.kind == DifferenceKind::Downgraded;
 }
 
-/// What the group [begin, end) counts as. Windows keeps the older package of an update, so the newer one is added; what
-/// was updated then shows in devices and services.
+/// What the group [begin, end) counts as. Windows keeps the older package after an update, so the newer one shows as
+/// added; that it is an update shows in the devices and services.
 template <typename Iterator>
 DifferenceKind KindOfGroup(Iterator begin, Iterator end) {
   const bool cameOrWent = begin->kind == DifferenceKind::Added || begin->kind == DifferenceKind::Removed;

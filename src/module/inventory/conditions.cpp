@@ -18,7 +18,7 @@ struct Operator {
   Relation relation;
 };
 
-/// A sign before its beginning.
+/// A sign stands before any other sign that it begins with: "<=" before "<".
 constexpr std::array<Operator, 6> Operators = {{{"!=", Relation::Unlike},
                                                 {"<=", Relation::AtMost},
                                                 {">=", Relation::AtLeast},
@@ -96,9 +96,9 @@ std::optional<std::uint64_t> AgeIn(std::string_view text) {
   return *count * unit->second;
 }
 
-/// Whether `text` is the beginning of a time and ends behind a whole part of it.
+/// Whether `text` is a time cut after a whole part, such as "2024-03".
 bool IsTimeAsFarAsWritten(std::string_view text) {
-  // A "0" is any digit.
+  // "0" stands for any digit.
   constexpr std::string_view shape = "0000-00-00T00:00:00";
   constexpr std::array<std::size_t, 5> ends = {4, 7, 10, 16, 19};
   if (std::find(ends.begin(), ends.end(), text.size()) == ends.end()) return false;

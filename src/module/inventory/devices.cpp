@@ -3,7 +3,7 @@
 #include <windows.h>
 // After windows.h.
 #include <initguid.h>
-// Its keys are defined here, because of the header before.
+// Defines the property keys, since initguid.h is included before it.
 #include <devpkey.h>
 #include <setupapi.h>
 
@@ -36,7 +36,7 @@ DeviceFacts InUtf8(const PciDeviceRecord& record) {
       Utf8FromAnsi(record.text12),         Utf8FromAnsi(record.text13)};
 }
 
-/// All devices, present or not, one after the other.
+/// Enumerates all devices, present or not.
 class Enumeration {
  public:
   Enumeration() : m_set(SetupDiGetClassDevsW(nullptr, nullptr, nullptr, DIGCF_ALLCLASSES)) {
@@ -70,7 +70,7 @@ class Enumeration {
     std::vector<std::string> infs;
     std::vector<wchar_t> texts(1 << 15);
     DEVPROPTYPE type = 0;
-    // Texts such as "oem3.inf:PCI\VEN_8086...", each with its end, and one end more.
+    // Terminated texts such as "oem3.inf:PCI\VEN_8086...", and another terminator after the last.
     const auto size = static_cast<DWORD>((texts.size() - 2) * sizeof(wchar_t));
     if (!Property(DEVPKEY_Device_ExtendedConfigurationIds, type, texts.data(), size) ||
         type != DEVPROP_TYPE_STRING_LIST) {

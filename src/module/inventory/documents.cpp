@@ -31,7 +31,7 @@ Json DifferenceJson(const Comparison& comparison, const Difference& difference) 
           {"changes", std::move(changes)}};
 }
 
-/// One by one: "id" is left out where there is none.
+/// Member by member, since "id" is left out where there is none.
 Json JsonOf(const Finding& finding) {
   Json json = {{"rule", finding.rule}, {"severity", SeverityName(finding.severity)}};
   if (!finding.id.empty()) json["id"] = finding.id;

@@ -6,10 +6,10 @@
 namespace inventory {
 namespace {
 
-/// 80 bits: too many to search for a driver that takes the identity of an accepted finding.
+/// 80 bits: too many for anyone to build a driver whose finding has the identity of an accepted one.
 constexpr std::size_t Digits = 20;
 
-/// Each text behind its length, so that no two lists of texts read the same.
+/// Each text follows its length, so that no two lists give the same result.
 std::string TextOf(std::string_view rule, const std::vector<std::string>& state) {
   std::string all(rule);
   for (const std::string& part : state) {

@@ -47,21 +47,21 @@ std::string MatchText(const trust::KnownMatch& match) {
 std::string MatchesText(const Record& service) {
   std::string text;
   for (const trust::KnownMatch& match : service.known) {
-    // Beside the image itself, its name says nothing.
+    // If the image itself is listed, a match by name adds nothing.
     if (IsListed(match) || HasListedName(service)) text += (text.empty() ? "" : "; ") + MatchText(match);
   }
   return text;
 }
 
-/// What an image is recognised by, once it was read.
+/// The state that identifies a finding about an image that was read.
 Texts VerifiedState(const Record& service) { return {service.service, service.path, service.sha256}; }
 
-/// What an image is recognised by, whether it was read or not.
+/// The state that identifies a finding about an image, whether it was read or not.
 Texts ImageState(const Record& service) {
   return {service.service, service.path, service.version, service.size ? std::to_string(*service.size) : std::string()};
 }
 
-/// "0x80096010" of "The digest is wrong. (0x80096010)": the words in front are in the language of the machine.
+/// The code in "The digest is wrong. (0x80096010)": the words before it are in the language of the machine.
 std::string CodeOf(const std::string& problem) {
   const std::size_t begin = problem.rfind("(0x");
   return begin == std::string::npos ? problem : problem.substr(begin);
@@ -123,7 +123,7 @@ std::string DeviceText(const Record& device) {
   return device.provider.empty() ? text : text + " by " + device.provider;
 }
 
-/// What a device is recognised by.
+/// What identifies a device.
 const std::string& IdentityOf(const Record& device) {
   return device.instance_id.empty() ? device.name : device.instance_id;
 }
@@ -140,7 +140,7 @@ Discoveries FindDeviceProblems(const Records& records, const NextSteps& steps) {
   return found;
 }
 
-/// Those of a package's files that a service can load.
+/// The files of a package that a service can load.
 Texts DriverFiles(const Record& package) {
   Texts drivers;
   std::copy_if(package.files.begin(), package.files.end(), std::back_inserter(drivers), &IsDriverFile);
@@ -184,7 +184,7 @@ Discoveries FindMissingImages(const Records& records, const NextSteps& steps) {
   return found;
 }
 
-/// Whether there is a driver that could say its version and company.
+/// Whether the record has a driver, which could state a version and a company.
 bool HasDriver(const Record& record) {
   return (IsService(record) && !IsImageMissing(record)) || (IsDevice(record) && !HasNoDriver(record));
 }
@@ -207,7 +207,7 @@ Discoveries FindNoVersionOrCompany(const Records& records, const NextSteps& step
   return found;
 }
 
-/// A version and a place where it is, in the order of versions.
+/// A version and where it was found; ordered by version.
 struct Copy {
   std::string key;
   std::string version;
@@ -224,8 +224,8 @@ void AddCopy(Copies& copies, const std::string& file, const std::string& version
   if (IsKnownVersion(version)) copies[FileKey(file)].insert({VersionKey(version), version, place});
 }
 
-/// By file name. A package that came with Windows has the version of its INF, which is not that of the image: only OEM
-/// packages can be held against images.
+/// All copies of each driver, by file name. A package that came with Windows has the version of its INF, not of the
+/// image, so only OEM packages can be compared with images.
 Copies CopiesByFile(const Records& records) {
   Copies copies;
   for (const Record& record : records) {

@@ -45,7 +45,7 @@ bool IsHighSurrogate(wchar_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
 
 InputFile::InputFile(const std::string& path) : m_file(OpenToRead(Orvane::WideFromUtf8(path))), m_bytes(ChunkSize) {
   LARGE_INTEGER size{};
-  // A device has no size: what comes out of it is counted.
+  // A device has no size; there, the bytes read are counted.
   if (GetFileSizeEx(m_file.get(), &size)) Count(static_cast<std::uint64_t>(size.QuadPart));
   m_length = 0;
 }
@@ -56,7 +56,7 @@ void InputFile::Count(std::uint64_t bytes) {
 }
 
 std::string_view InputFile::ReadBytes() {
-  // A pipe may give less than a mark at a time.
+  // A pipe may deliver less than a byte order mark at a time.
   const std::size_t wanted = m_encoding == Encoding::Unknown ? 3 : 1;
   std::size_t size = 0;
   while (size < wanted) {
@@ -64,7 +64,7 @@ std::string_view InputFile::ReadBytes() {
     const auto room = static_cast<DWORD>(m_bytes.size() - size);
     if (!ReadFile(m_file.get(), m_bytes.data() + size, room, &read, nullptr)) {
       const DWORD error = GetLastError();
-      // So ends a pipe.
+      // This is how a pipe ends.
       if (error != ERROR_BROKEN_PIPE) Unreadable(Reason(error));
     }
     if (read == 0) break;
@@ -105,7 +105,7 @@ std::string InputFile::Utf8From(std::string_view bytes) {
 }
 
 InputFile::int_type InputFile::underflow() {
-  // A chunk may hold a mark alone, or half a character.
+  // A chunk may consist of a byte order mark alone, or end within a character.
   do {
     std::string_view bytes = ReadBytes();
     const bool isEnd = bytes.empty();

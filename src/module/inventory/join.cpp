@@ -16,17 +16,17 @@ namespace {
 
 using Orvane::LowerCase;
 
-/// Like the library, it takes a slash as part of a name.
+/// Like the library, this takes a slash for part of a name.
 std::string LastComponent(const std::string& path) { return path.substr(path.rfind('\\') + 1); }
 
 // --- Services
 
-/// The library's services, by what they share with those of Windows.
+/// The services that the library lists, to be looked up by path.
 class ListedServices {
  public:
   explicit ListedServices(const std::vector<ListedDriver>& listed) {
     for (const ListedDriver& driver : listed) {
-      // The chipset packages among them have no image.
+      // Chipset packages are listed among them and have no image.
       if (!driver.path.empty()) m_byPath.emplace(LowerCase(driver.path), &driver);
     }
   }
@@ -41,7 +41,7 @@ class ListedServices {
   std::map<std::string, const ListedDriver*> m_byPath;
 };
 
-/// The name of the file by which the library looks for the image of `service`, without its extension, in lower case.
+/// The file name under which the library looks for the image of `service`, without extension and in lower case.
 std::string LookedUpStem(const ServiceFacts& service) {
   const std::string file = Orvane::GetImageFileName(service.configured.c_str(), service.service.c_str());
   return LowerCase(LastComponent(file.substr(0, file.rfind('.'))));
@@ -75,8 +75,8 @@ Record ServiceRecord(const ServiceFacts& facts, const ListedServices& listed,
   return record;
 }
 
-/// How well `driver` fits `service`, whose own image the library does not list: it was looked up by the name of its
-/// image, and its state is that of the service.
+/// How well `driver` fits `service`, if the library does not list the service's own image: by the name that the library
+/// looked for, and by the state of the service.
 int Fitness(const ListedDriver& driver, const ServiceFacts& service) {
   const std::string file = LastComponent(driver.path);
   const bool hasStem = LookedUpStem(service) == LowerCase(file.substr(0, file.rfind('.')));
@@ -84,8 +84,8 @@ int Fitness(const ListedDriver& driver, const ServiceFacts& service) {
   return (hasStem ? 2 : 0) + (hasState ? 1 : 0);
 }
 
-/// The library lists a service by the file that it finds for it, which may have another name than the service's own
-/// image. Such a name goes to the service that fits best among those whose own image is not listed.
+/// The library lists a service under the file that it found, whose name may differ from that of the service's own
+/// image. Such a name goes to the best fit among the services whose own image is not listed.
 void KeepListedNames(const Facts& facts, const ListedServices& listed, std::vector<Record>& services) {
   std::set<std::string> names;
   std::vector<std::size_t> unlisted;
@@ -133,7 +133,7 @@ Record PackageRecord(const PackageFacts& facts, const std::map<std::string, std:
   return record;
 }
 
-/// How many devices use each INF, by its name in lower case.
+/// How many devices use each INF; keys are INF names in lower case.
 std::map<std::string, std::uint64_t> UsersByInf(const std::vector<DeviceNode>& nodes) {
   std::map<std::string, std::uint64_t> users;
   for (const DeviceNode& node : nodes) {
@@ -146,7 +146,7 @@ std::map<std::string, std::uint64_t> UsersByInf(const std::vector<DeviceNode>& n
 
 // --- Devices
 
-/// The record of the device inventory, as far as names are made of it.
+/// The members of the PCI record from which names are made.
 Orvane::PciDeviceRecord Identified(const DeviceFacts& facts) {
   Orvane::PciDeviceRecord device;
   device.vendor_id = facts.vendor_id;
@@ -156,7 +156,7 @@ Orvane::PciDeviceRecord Identified(const DeviceFacts& facts) {
   return device;
 }
 
-/// The names under which the library lists devices, each given once.
+/// The names under which the library lists devices. A fixed name is given only once.
 class ListedNames {
  public:
   explicit ListedNames(const std::vector<ListedDriver>& listed) {
@@ -168,8 +168,8 @@ class ListedNames {
     if (m_names.count(name) != 0 && std::find(names.begin(), names.end(), name) == names.end()) names.push_back(name);
   }
 
-  /// The name of a device without driver that would be called `name`: the library lists the first of equal components
-  /// under a fixed name.
+  /// The name of a device without a driver that would otherwise be called `name`: of several such components, the
+  /// library lists the first under a fixed name.
   std::string NoDriverName(const std::string& name) {
     for (const Orvane::ComponentIdentity& component : Orvane::AmdComponentIdentities) {
       if (name == component.noDriverName && m_fixed.insert(name).second) return std::string(component.name);
@@ -182,7 +182,7 @@ class ListedNames {
   std::set<std::string> m_fixed;
 };
 
-/// The names that `device` and its package make.
+/// The listed names that can be made of `device` and its package.
 std::vector<std::string> Names(const Orvane::PciDeviceRecord& device, const std::string& inf,
                                const PackagesByInf& packages, ListedNames& listed) {
   std::vector<std::string> names;
@@ -194,7 +194,7 @@ std::vector<std::string> Names(const Orvane::PciDeviceRecord& device, const std:
   if (package == packages.end()) return names;
   std::vector<std::string> files = package->second->files;
   files.push_back(package->second->original_inf);
-  // Where nobody knows that name, some platforms take the INF's own for it, as the device spells it.
+  // Where the original name is unknown, some platforms use the name of the INF itself, as the device spells it.
   files.push_back(inf);
   for (const std::string& file : files) {
     const std::string base = Orvane::DriverBaseName(file);

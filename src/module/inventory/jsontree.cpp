@@ -29,7 +29,7 @@ Json JsonOf(const JsonScalar& value) {
   }
 }
 
-/// Puts the values of a text where they belong.
+/// Builds the tree from the events of the parser.
 class TreeBuilder final : public Orvane::JsonEvents {
  public:
   void Begin(JsonType type) override {
@@ -59,7 +59,7 @@ class TreeBuilder final : public Orvane::JsonEvents {
     std::string pointer;
   };
 
-  /// Of the value that was added last.
+  /// The JSON Pointer of the value that was added last.
   std::string Pointer() const {
     if (m_open.empty()) return std::string();
     const Open& parent = m_open.back();
@@ -72,7 +72,7 @@ class TreeBuilder final : public Orvane::JsonEvents {
     if (m_bytes > MostTreeBytes) throw InputProblem("contains more than 1 MiB of text");
   }
 
-  /// An array or object that is open stays where it is: only the last value of the innermost one can move others.
+  /// Pointers to open arrays and objects stay valid: only the innermost one grows, and what it holds so far is closed.
   Json& Add(Json value) {
     if (++m_values > MostTreeValues) throw InputProblem("contains more than 20,000 values");
     if (m_open.empty()) return m_root = std::move(value);
@@ -88,7 +88,7 @@ class TreeBuilder final : public Orvane::JsonEvents {
   std::size_t m_bytes = 0;
 };
 
-/// As RFC 6901 writes it. A long name is cut: the pointer is for people.
+/// Escaped as in RFC 6901. A long name is cut, since people read the pointer.
 std::string Escaped(std::string_view name) {
   constexpr std::size_t longest = 100;
   std::string escaped;

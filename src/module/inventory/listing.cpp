@@ -72,7 +72,7 @@ constexpr ListingField Whole(ListingField field) {
 using D = ListedDriver;
 using T = ValueType;
 
-// `date` and `size` are texts, as the library gives them; the size is ordered as the number that it is.
+// `date` and `size` are texts, as the library gives them; sizes are ordered as numbers.
 constexpr std::array<ListingField, 14> Fields = {
     Title(Shown(1, 1, 20, Of("name", "Name", T::Text, &D::name, 18))),
     Shown(0, 2, 10, Of("description", "Description", T::Text, &D::description, 20)),

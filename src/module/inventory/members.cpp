@@ -30,7 +30,7 @@ std::string TextOf(const std::vector<trust::KnownMatch>& matches) {
 
 std::string KnownText(const Record& record) { return TextOf(record.known); }
 
-/// A member in the making: a line of the table says only what is special.
+/// A member under construction: a line of the table states only what differs from the defaults.
 class Making : public Member {
   template <typename T>
   constexpr Making& Set(T& property, T value) {
@@ -61,7 +61,7 @@ class Making : public Member {
   constexpr Making& Title() { return Set(isTitle, true); }
   constexpr Making& KeepsEnd() { return Set(keepsEnd, true); }
   constexpr Making& Compared() { return Set(isCompared, true); }
-  /// Compared, and Windows ignores its case.
+  /// Compared without regard to case, as Windows does.
   constexpr Making& ComparedInAnyCase() { return Compared().Set(ignoresCase, true); }
   constexpr Making& Verified() { return Set(isOfVerification, true); }
   constexpr Making& ComparedIfKnown() { return Set(isComparedIfKnown, true); }

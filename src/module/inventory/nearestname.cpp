@@ -6,12 +6,12 @@ namespace inventory {
 namespace {
 
 constexpr std::size_t Far = static_cast<std::size_t>(-1);
-/// Shorter parts are in too many names.
+/// Shorter parts occur in too many names.
 constexpr std::size_t ShortestPart = 3;
-/// Longer ones are no slips of the hand, and not worth the time.
+/// Longer ones are not typing errors, and not worth the time.
 constexpr std::size_t LongestName = 64;
 
-/// How many letters must be added, removed, replaced or exchanged with their neighbour to make `b` of `a`.
+/// How many letters must be added, removed, replaced or swapped with their neighbour to turn `a` into `b`.
 std::size_t Edits(std::string_view a, std::string_view b) {
   std::vector<std::size_t> beforeLast;
   std::vector<std::size_t> last;
@@ -34,7 +34,7 @@ bool IsPart(std::string_view part, std::string_view whole) {
   return part.size() >= ShortestPart && whole.find(part) != std::string_view::npos;
 }
 
-/// Far for names that have nothing to do with each other. One that is a part of the other is farther than a slip.
+/// Large for unrelated names. A name that contains the other is farther away than a typing error.
 std::size_t Distance(std::string_view written, std::string_view name) {
   const std::size_t edits = Edits(written, name);
   if (edits <= std::max<std::size_t>(1, std::min(written.size(), name.size()) / 3)) return edits;

@@ -20,8 +20,8 @@ constexpr std::string_view RestartDevice = "pnputil /restart-device";
 /// Where Windows installs the files of packages.
 constexpr std::string_view SystemFolder = "\\system32\\";
 
-/// Windows PowerShell takes typographic quotes for its own, and marks of direction show a command as another one: both
-/// are in these two blocks of Unicode.
+/// Windows PowerShell treats typographic quotes like its own, and directional marks can make a command look like
+/// another one: both are in these two blocks of Unicode.
 constexpr std::array<std::string_view, 2> UnsafeBlocks = {"\xE2\x80", "\xE2\x81"};
 
 bool IsSafeBetweenQuotes(std::string_view name) {
@@ -42,20 +42,20 @@ bool IsSafeWithoutQuotes(std::string_view name) {
   });
 }
 
-/// " with COMMAND"; nothing where there is no command to show.
+/// " with COMMAND"; empty if there is no command to show.
 std::string With(const std::string& command) { return command.empty() ? std::string() : " with " + command; }
 
-/// What is known of the maker, for a sentence.
+/// The maker, as far as it is known, for use in a sentence.
 std::string MakerOf(const Record& record) { return record.provider.empty() ? "its maker" : record.provider; }
 
 /// The problem of a device for which no driver is installed.
 constexpr std::uint64_t NotInstalled = 28;
 
-/// What helps with a problem of a device beyond restarting it.
+/// What helps with a device problem besides restarting the device.
 struct Remedy {
   std::uint64_t problem;
   std::string_view text;
-  /// With the identifier of the device.
+  /// Followed by the identifier of the device.
   std::string_view command;
 };
 
@@ -99,7 +99,7 @@ const Record* NextSteps::PackageOf(const Record& service) const {
     const auto package = m_packages.find(inf->second);
     if (package != m_packages.end()) return package->second;
   }
-  // Elsewhere, a file of that name need not be the one of the package.
+  // In other folders, a file of that name need not come from the package.
   if (Orvane::LowerCase(service.path).find(SystemFolder) == std::string::npos) return nullptr;
   const auto package = m_packagesByFile.find(FileKey(service.path));
   return package == m_packagesByFile.end() ? nullptr : package->second;

@@ -66,7 +66,7 @@ class Inf {
   std::string OriginalName() {
     DWORD size = 0;
     if (!SetupGetInfInformationW(m_inf.get(), INFINFO_INF_SPEC_IS_HINF, nullptr, 0, &size)) return {};
-    // The structure that the platform takes has room for its own first members at least.
+    // At least as large as the fixed part of the structure.
     std::vector<char> information(std::max<std::size_t>(size, sizeof(SP_INF_INFORMATION)));
     auto* const inf = reinterpret_cast<SP_INF_INFORMATION*>(information.data());
     SP_ORIGINAL_FILE_INFO_W original{};
@@ -118,7 +118,7 @@ std::vector<std::wstring> OemInfs() {
   const Orvane::FindHandle found(FindFirstFileW((InfDirectory() + L"oem*.inf").c_str(), &file));
   if (!found) return names;
   do {
-    // A pattern matches short names and longer extensions too.
+    // The pattern also matches short names and longer extensions.
     if (IsOemInf(Utf8FromWide(file.cFileName))) names.emplace_back(file.cFileName);
   } while (FindNextFileW(found.get(), &file));
   const auto number = [](const std::wstring& name) { return std::wcstoul(name.c_str() + 3, nullptr, 10); };

@@ -8,18 +8,18 @@
 namespace inventory {
 namespace {
 
-/// Where the character behind the one at `at` starts. LowerCase() leaves no byte that is not UTF-8.
+/// Where the next character after the one at `at` starts. What LowerCase() returns is always valid UTF-8.
 std::size_t NextCharacter(std::string_view utf8, std::size_t at) {
   ++at;
   while (at < utf8.size() && (static_cast<unsigned char>(utf8[at]) & 0xC0) == 0x80) ++at;
   return at;
 }
 
-/// Both in one case.
+/// Both are in lower case.
 bool IsLike(std::string_view text, std::string_view pattern) {
   std::size_t t = 0;
   std::size_t p = 0;
-  // The last "*" takes as little as it can, and one character more each time that the rest does not fit.
+  // The last "*" matches as little as possible, and one character more each time the rest does not match.
   std::size_t behindStar = std::string_view::npos;
   std::size_t starEnd = 0;
   while (t < text.size()) {

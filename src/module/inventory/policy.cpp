@@ -15,7 +15,7 @@ namespace {
 
 using Names = std::vector<std::string_view>;
 
-/// The member that gives JSON editors the schema.
+/// The member that tells JSON editors where the schema is.
 constexpr std::string_view SchemaReference = "$schema";
 constexpr std::string_view Drivers = "kind=service";
 constexpr std::string_view StartTypes[] = {"Boot Start", "System Start", "Automatic", "Manual", "Disabled"};
@@ -24,7 +24,7 @@ constexpr std::string_view StartTypes[] = {"Boot Start", "System Start", "Automa
   throw InputProblem("is no policy: " + (pointer.empty() ? "" : pointer + ": ") + problem);
 }
 
-/// `text` for a sentence.
+/// `text`, quoted and cut for use in a sentence.
 std::string Quoted(std::string_view text) {
   constexpr std::size_t longest = 100;
   return "\"" + std::string(text.substr(0, longest)) + (text.size() > longest ? "..." : "") + "\"";
@@ -36,7 +36,7 @@ std::string Listed(const Names& names) {
   return list;
 }
 
-/// What someone should have written who wrote `name`.
+/// What the author of a policy may have meant by `name`.
 std::string Hint(std::string_view name, const Names& names) {
   const std::string_view nearest = NearestName(name, names);
   return nearest.empty() ? "; there are " + Listed(names) : "; did you mean " + Quoted(nearest) + "?";
@@ -75,13 +75,13 @@ std::string TextIn(const Json& json, const std::string& pointer) {
   return text;
 }
 
-/// The text of a member that need not be there; empty without it.
+/// The text of an optional member; empty without it.
 std::string OptionalText(const Json& object, const std::string& pointer, std::string_view name) {
   const Json* const member = Member(object, name);
   return member == nullptr ? std::string() : TextIn(*member, PointerTo(pointer, name));
 }
 
-/// A text or an array of some.
+/// A text or an array of texts.
 std::vector<std::string> TextsIn(const Json& json, const std::string& pointer) {
   if (json.is_string()) return {TextIn(json, pointer)};
   if (!json.is_array()) RefuseType(pointer, json, "a text or an array of texts");
@@ -91,13 +91,13 @@ std::vector<std::string> TextsIn(const Json& json, const std::string& pointer) {
   return texts;
 }
 
-/// A condition, and where it is written.
+/// A condition, and where it stands in the policy.
 struct Written {
   std::string text;
   std::string pointer;
 };
 
-/// Alternatives of conditions.
+/// Alternatives, each of them conditions that must all hold.
 using WrittenConditions = std::vector<std::vector<Written>>;
 
 std::vector<Written> AlternativeIn(const Json& json, const std::string& pointer) {
@@ -126,7 +126,7 @@ WrittenConditions ConditionsIn(const Json& json, const std::string& pointer) {
   return alternatives;
 }
 
-/// A clause before its conditions are read.
+/// A clause whose conditions are not parsed yet.
 struct WrittenClause {
   WrittenConditions where;
   Demand demand;
@@ -135,7 +135,7 @@ struct WrittenClause {
 
 using WrittenClauses = std::vector<WrittenClause>;
 
-/// Each of `texts` alone, as conditions that must all hold, at one place.
+/// All of `texts`, as conditions that must all hold and stand at one place.
 WrittenConditions All(const std::vector<std::string>& texts, const std::string& pointer) {
   WrittenConditions conditions(1);
   for (const std::string& text : texts) conditions.front().push_back({text, pointer});
@@ -151,7 +151,7 @@ WrittenClauses MinimumVersion(const Json& json, const std::string& pointer) {
   return {{All({std::string(Drivers)}, pointer), Demand::Expect, All({"version>=" + TextIn(json, pointer)}, pointer)}};
 }
 
-/// An image has the time of its file, a package a date of its own. What came with Windows has dates that say nothing.
+/// An image has the time of its file, a package has a date of its own. The dates of what came with Windows say nothing.
 WrittenClauses MaximumAge(const Json& json, const std::string& pointer) {
   const std::string age = TextIn(json, pointer);
   constexpr std::string_view units = "hdwy";
@@ -189,7 +189,7 @@ WrittenClauses RequiredDrivers(const Json& json, const std::string& pointer) {
   return clauses;
 }
 
-/// A package brings a driver to the machine even where no service loads it.
+/// A package brings a driver to the machine even if no service loads it.
 WrittenClauses ForbiddenDrivers(const Json& json, const std::string& pointer) {
   WrittenConditions drivers;
   for (const std::string& driver : TextsIn(json, pointer)) {
@@ -199,7 +199,7 @@ WrittenClauses ForbiddenDrivers(const Json& json, const std::string& pointer) {
   return {{{}, Demand::Forbid, std::move(drivers)}};
 }
 
-/// A member of a rule that says what it demands.
+/// A member of a rule that states a demand.
 struct DemandMember {
   std::string_view name;
   WrittenClauses (*read)(const Json& json, const std::string& pointer);
@@ -228,7 +228,7 @@ Names RuleMembers() {
   return names;
 }
 
-/// The one demand of a rule.
+/// The demand of a rule; there must be exactly one.
 WrittenClauses DemandOf(const Json& rule, const std::string& pointer) {
   const DemandMember* demand = nullptr;
   for (const DemandMember& member : DemandMembers) {
@@ -252,7 +252,7 @@ Severity SeverityOf(const Json& rule, const std::string& pointer) {
   Refuse(PointerTo(pointer, "severity"), Quoted(text) + " is no severity" + Hint(text, names));
 }
 
-/// Both: each alternative of the one with each of the other.
+/// `a` and `b`: every alternative of one combined with every alternative of the other.
 WrittenConditions Both(const WrittenConditions& a, const WrittenConditions& b) {
   if (a.empty() || b.empty()) return a.empty() ? b : a;
   WrittenConditions both;
@@ -265,7 +265,7 @@ WrittenConditions Both(const WrittenConditions& a, const WrittenConditions& b) {
   return both;
 }
 
-/// Which records a rule is about, as far as its demand does not say that.
+/// Which records a rule is about, apart from what its demand says.
 WrittenConditions WhereOf(const Json& rule, const std::string& pointer) {
   WrittenConditions where;
   if (const Json* const conditions = Member(rule, "where"))

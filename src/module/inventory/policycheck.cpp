@@ -8,10 +8,10 @@
 namespace inventory {
 namespace {
 
-/// How a condition about an image that could not be read is taken.
+/// Whether a condition about an image that could not be read counts as true.
 enum class Doubt { Holds, Fails };
 
-/// The result of one rule in the making.
+/// Collects the result of one rule.
 class RuleCheck {
  public:
   RuleCheck(const Inventory& inventory, std::size_t& violationsLeft)
@@ -82,7 +82,7 @@ class RuleCheck {
 
   static const inventory::Member& MemberOf(const Condition& condition) { return Members()[condition.ColumnIndex()]; }
 
-  /// Whether nobody knows what `condition` asks of an image, since that could not be read.
+  /// Whether `condition` cannot be decided because the image could not be read.
   static bool IsInDoubt(const Condition& condition, const Record& record) {
     return MemberOf(condition).isOfVerification && IsService(record) && !IsImageMissing(record) &&
            record.sha256.empty();
@@ -113,7 +113,7 @@ class RuleCheck {
     std::string value = TextOf(ValueOf(record, member));
     if (value.empty()) value = member.type == ValueType::Flag ? "false" : "unknown";
     if (value.size() <= longest) return name + " is " + value;
-    // What is cut within a character shows a replacement for it.
+    // A character that is cut in half is shown as U+FFFD.
     return name + " is " + value.substr(0, longest) + "...";
   }
 
@@ -121,14 +121,14 @@ class RuleCheck {
   static std::string Met(const std::vector<Condition>& alternative, const Record& record) {
     std::string text;
     for (const Condition& condition : alternative) {
-      // That it is a service says nothing beside the rest.
+      // The kind adds nothing to the other values.
       if (MemberOf(condition).name == "kind") continue;
       text += (text.empty() ? "" : ", ") + ValueText(condition, record);
     }
     return text.empty() ? ValueText(alternative.front(), record) : text;
   }
 
-  /// "version is 1.2, where version>=2 is expected"; of alternatives, what each lacks.
+  /// "version is 1.2, where version>=2 is expected"; with alternatives, what each of them lacks.
   std::string Unmet(const PolicyConditions& conditions, const Record& record) const {
     std::vector<std::string> values;
     std::string expected;
@@ -162,7 +162,7 @@ class RuleCheck {
   const Inventory& m_inventory;
   std::size_t& m_violationsLeft;
   RuleResult m_result;
-  /// Whether a requirement was fulfilled.
+  /// Whether a requirement was met.
   bool m_isFulfilled = false;
 };
 

@@ -8,13 +8,13 @@ namespace {
 
 namespace loglines = Orvane::loglines;
 
-/// What is behind `prefix` in a line that begins with it.
+/// The rest of a line that begins with `prefix`.
 std::optional<std::string_view> Behind(std::string_view prefix, std::string_view line) {
   if (line.substr(0, prefix.size()) != prefix) return std::nullopt;
   return line.substr(prefix.size());
 }
 
-/// What is before the first `mark` of a line that has one.
+/// The part of a line before its first `mark`; nullopt without a mark.
 std::optional<std::string_view> Before(std::string_view mark, std::string_view line) {
   const std::size_t at = line.find(mark);
   if (at == std::string_view::npos) return std::nullopt;
@@ -37,7 +37,7 @@ std::optional<std::string> ProgressText(std::string_view logLine) {
   if (const auto driver = Behind(loglines::DriverName, logLine)) {
     return Named("driver", Before(loglines::DriverVersion, *driver).value_or(*driver));
   }
-  // Other lines with this sign have it twice.
+  // Other lines with this sign contain it twice.
   const auto device = Before(loglines::DeviceInf, logLine);
   if (!device || Before(loglines::DeviceInf, logLine.substr(device->size() + loglines::DeviceInf.size())))
     return std::nullopt;

@@ -34,7 +34,7 @@ Record Reduced(const Record& record, Kind kind, const std::string& name) {
   return reduced;
 }
 
-/// Records of one name each: those of the oldest version.
+/// One record for each name: that of the oldest version.
 class OldestByName {
  public:
   void Add(Record record) {
@@ -44,7 +44,7 @@ class OldestByName {
 
   bool Has(const std::string& name) const { return m_records.count(LowerCase(name)) != 0; }
 
-  /// Appends those for which `isKept` holds.
+  /// Appends the records for which `isKept` holds.
   template <typename Predicate>
   void MoveTo(Records& records, Predicate isKept) {
     for (auto& [unused, record] : m_records) {
@@ -75,7 +75,7 @@ PackagesByInf ByInf(const Records& records) {
   return packages;
 }
 
-/// The library knows of a device with a driver what its package says.
+/// What the library knows of a device with a driver comes from its package.
 void AddDevice(const Record& device, const PackagesByInf& packages, OldestByName& devices) {
   const auto found = packages.find(LowerCase(device.inf));
   const Record& source = found == packages.end() ? device : *found->second;

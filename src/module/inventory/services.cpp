@@ -25,7 +25,7 @@ struct Enumerated {
   DWORD state;
 };
 
-/// The entries that `buffer` holds, `count` by the platform's word.
+/// Appends the entries in `buffer`: `count` of them, according to the platform.
 void AppendEntries(const std::vector<char>& buffer, DWORD count, std::vector<Enumerated>& services) {
   const auto* const entries = reinterpret_cast<const ENUM_SERVICE_STATUS_PROCESSW*>(buffer.data());
   const std::size_t room = buffer.size() / sizeof(*entries);
@@ -62,7 +62,7 @@ struct Configuration {
 
 std::optional<Configuration> ReadConfiguration(SC_HANDLE manager, const std::wstring& service) {
   const ServiceHandle opened(OpenServiceW(manager, service.c_str(), SERVICE_QUERY_CONFIG));
-  // The largest that there is.
+  // The largest configuration that Windows allows.
   alignas(QUERY_SERVICE_CONFIGW) std::array<char, 8192> buffer{};
   auto* const config = reinterpret_cast<QUERY_SERVICE_CONFIGW*>(buffer.data());
   DWORD needed = 0;

@@ -27,7 +27,7 @@ constexpr char LookedUpMember[] = "looked_up";
 constexpr char DriversMember[] = "drivers";
 constexpr char KnownMember[] = "known";
 
-/// Whether a record has `member` itself, rather than by what follows from others.
+/// Whether a record stores `member`, rather than deriving it from others.
 bool IsOwn(const Member& member) { return !std::holds_alternative<std::string (*)(const Record&)>(member.source); }
 
 /// The members of a file outside the records.
@@ -35,11 +35,11 @@ struct Document {
   std::string kind;
   std::optional<std::uint64_t> schema;
   bool hasDrivers = false;
-  /// The first member that is not of its type, in words.
+  /// What is wrong with the first member of a wrong type.
   std::string problem;
 
   bool IsSnapshot() const { return kind == SnapshotKind; }
-  /// Whether its records can be read.
+  /// Whether this version can read its records.
   bool IsReadable() const { return IsSnapshot() && schema && *schema >= 1 && *schema <= SchemaVersion; }
 };
 
@@ -63,7 +63,7 @@ Sources SourcesOf(std::uint64_t schema) {
   return sources;
 }
 
-/// Sets a member of a record to a value without others in it. False when it is of another type.
+/// Sets a member of a record to a scalar value. False if the member is of another type.
 struct SetScalar {
   Record& record;
   const JsonScalar& value;
@@ -97,7 +97,7 @@ struct ExpectedType {
 /// Makes an inventory of the members of a snapshot.
 class SnapshotReader final : public JsonEvents {
  public:
-  /// `document` is what is known of the file from an earlier reading.
+  /// `document` holds what an earlier reading found out about the file.
   SnapshotReader(Document document, const IsSettled& isSettled)
       : m_document(std::move(document)), m_isSettled(isSettled) {}
 
@@ -159,14 +159,14 @@ class SnapshotReader final : public JsonEvents {
 
   static std::string Owner(std::size_t number) { return "driver " + std::to_string(number); }
 
-  /// Of records that can be read.
+  /// Only for records that can be read.
   unsigned Schema() const { return static_cast<unsigned>(*m_document.schema); }
 
   Place Here() const { return m_places.empty() ? Place::Elsewhere : m_places.back(); }
   Record& Current() { return m_inventory.records.back(); }
   std::vector<std::string>& Texts() { return Current().*std::get<std::vector<std::string> Record::*>(*m_source); }
 
-  /// Where an array or an object at this place leads.
+  /// The place that an array or an object leads to from here.
   Place Enter(JsonType type) {
     if (m_places.empty()) return type == JsonType::Object ? Place::Document : Place::Elsewhere;
     switch (Here()) {
@@ -232,7 +232,7 @@ class SnapshotReader final : public JsonEvents {
     return Place::Matches;
   }
 
-  /// A member that is not known, or has a value that is not, is passed over: later versions may have more.
+  /// An unknown member, or one with an unknown value, is skipped: later versions may have more of them.
   void SetOfMatch(const JsonScalar& value) {
     trust::KnownMatch& match = Current().known.back();
     for (const auto& [name, text] :
@@ -250,7 +250,7 @@ class SnapshotReader final : public JsonEvents {
 
   std::string KindName() const { return std::string(m_document.schema == 1 ? Schema1KindMember : KindMember); }
 
-  /// Where a text outside the records goes; null for a member that is not known.
+  /// Where to store the text of a member outside the records; null for an unknown member.
   std::string* HeadText() {
     Head& head = m_inventory.head;
     for (const auto& [name, text] :
@@ -297,7 +297,7 @@ class SnapshotReader final : public JsonEvents {
     }
   }
 
-  /// Of several problems the first is the one to report.
+  /// Only the first of several problems is reported.
   void Note(std::string& problem, JsonType found, const std::string& expected) const {
     if (problem.empty()) problem = Mismatch(m_name, Described(found), expected);
   }
@@ -306,7 +306,7 @@ class SnapshotReader final : public JsonEvents {
     throw DamagedJson("is damaged: " + Mismatch(Owner(m_count + 1), Described(type), "an object"));
   }
 
-  /// Only now the name of a record with a problem is known.
+  /// Only now is the name of a record with a problem known.
   void EndRecord() {
     Record& record = Current();
     const bool isOfSchema1 = m_document.schema == 1;
@@ -332,17 +332,17 @@ class SnapshotReader final : public JsonEvents {
   Document m_document;
   const IsSettled& m_isSettled;
   Inventory m_inventory;
-  /// Records so far, settled ones too.
+  /// The number of records so far, including settled ones.
   std::size_t m_count = 0;
   bool m_hasReadDrivers = false;
   std::vector<Place> m_places;
-  /// Of the member that is read, and within a match.
+  /// The name of the member being read, and of the member of a match.
   std::string m_name;
   std::string m_matchMember;
   Sources m_sources;
-  /// Where the member of the record goes; null for one that is not known.
+  /// Where the member of the record is stored; null for an unknown member.
   const Member::Source* m_source = nullptr;
-  /// What the record says that it is, and what is wrong with it.
+  /// The kind that the record states, and what is wrong with it.
   std::string m_kind;
   std::string m_problem;
 };
@@ -387,7 +387,7 @@ Inventory ReadSnapshot(std::streambuf& text, const IsSettled& isSettled) {
   Read(text, reader);
   Examine(reader.Found());
   if (reader.HasReadDrivers()) return reader.Take();
-  // The members that say how to read the records came behind them.
+  // The members that say how to read the records came after them.
   SnapshotReader second(reader.Found(), isSettled);
   text.pubseekpos(0, std::ios_base::in);
   Read(text, second);

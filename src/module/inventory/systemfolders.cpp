@@ -12,7 +12,7 @@ namespace {
 
 bool BeginsWith(std::string_view text, std::string_view prefix) { return text.substr(0, prefix.size()) == prefix; }
 
-/// Behind a drive, in lower case. Windows gives the first two the same names in every language.
+/// Without the drive, in lower case. The first two have the same names in every language of Windows.
 constexpr std::array<std::string_view, 3> Folders = {R"(\program files\)", R"(\program files (x86)\)",
                                                      R"(\programdata\microsoft\windows defender\)"};
 
@@ -36,7 +36,7 @@ SystemFolders::SystemFolders(const Records& records) {
 bool SystemFolders::Hold(std::string_view path) const {
   const std::string lower = Orvane::LowerCase(path);
   if (!HasDrive(lower)) return true;
-  // Another folder would be reached from one that is allowed.
+  // This would lead out of an allowed folder.
   if (lower.find(R"(\..\)") != std::string::npos) return false;
   const std::string_view behindDrive = std::string_view(lower).substr(2);
   const bool isBelow = std::any_of(Folders.begin(), Folders.end(),

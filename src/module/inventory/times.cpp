@@ -12,14 +12,14 @@ std::int64_t Number(std::string_view digits) {
 }
 
 bool HasShape(std::string_view text, std::string_view shape) {
-  // A "0" is any digit.
+  // "0" stands for any digit.
   return std::equal(text.begin(), text.end(), shape.begin(), shape.end(),
                     [](char c, char form) { return form == '0' ? c >= '0' && c <= '9' : c == form; });
 }
 
-/// Days from the beginning of 1970, of the calendar that has always been the present one.
+/// Days since the beginning of 1970 in the proleptic Gregorian calendar.
 std::int64_t DaysTo(std::int64_t year, std::int64_t month, std::int64_t day) {
-  // A year begins in March: its last day is the one that may be missing.
+  // Years begin in March here, so that a leap day is the last day of its year.
   const std::int64_t y = month > 2 ? year : year - 1;
   const std::int64_t m = month > 2 ? month - 3 : month + 9;
   constexpr std::int64_t daysBefore1970 = 719468;

@@ -27,7 +27,7 @@ struct Image {
   std::vector<Record*> services;
 };
 
-/// The same for all paths of a file; the path itself for a file that cannot be opened.
+/// The same text for all paths of a file; for a file that cannot be opened, its path.
 std::string FileIdentity(const std::string& path) {
   constexpr DWORD share = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
   const Orvane::FileHandle file(CreateFileW(Orvane::WideFromUtf8(path).c_str(), FILE_READ_ATTRIBUTES, share, nullptr,
@@ -56,7 +56,7 @@ std::string ProblemText(const std::string& sentence, std::uint32_t code) {
   return sentence.empty() ? std::string(number) : sentence + " (" + number + ")";
 }
 
-/// What is found out about one image.
+/// What verification found out about one image.
 struct Finding {
   trust::Hashes hashes;
   trust::Signature signature;
@@ -79,7 +79,7 @@ void Set(const Finding& finding, Record& record) {
                                                            : ProblemText(signature.sentence, signature.code);
 }
 
-/// Looks at the images, several at a time.
+/// Verifies the images, several at a time.
 class Verifier {
  public:
   Verifier(std::vector<Image> images, const Verification& verification)
@@ -97,7 +97,7 @@ class Verifier {
     try {
       for (std::size_t i = 1; i < count; ++i) others.emplace_back([this] { Work(false); });
     } catch (...) {
-      // Those that started do all the work.
+      // The threads that have started do all the work.
     }
     Work(true);
     for (std::thread& other : others) other.join();
@@ -110,14 +110,14 @@ class Verifier {
     return !m_verification.progress || m_verification.progress(done, m_images.size());
   }
 
-  /// The next image to verify; null if there is no further one.
+  /// The next image to verify; null if none is left.
   const Image* Next() {
     const std::lock_guard<std::mutex> lock(m_mutex);
     if (m_isStopped || m_failure || m_next == m_images.size()) return nullptr;
     return &m_images[m_next++];
   }
 
-  /// Tells how far the verification is. False if it shall stop. The other threads go on meanwhile.
+  /// Reports the progress of the verification while the other threads go on. False if it is to stop.
   bool GoesOn() {
     std::size_t done = 0;
     {
@@ -130,7 +130,7 @@ class Verifier {
     return false;
   }
 
-  /// Only the thread that asked reports: not every host can be called on a thread that it does not know.
+  /// Only the calling thread reports: not every host can be called on a thread that it does not know.
   void Work(bool reports) {
     try {
       while (!reports || GoesOn()) {

@@ -19,7 +19,7 @@ std::string FileName(const std::string& path) {
   return folderEnd == std::string::npos ? path : path.substr(folderEnd + 1);
 }
 
-/// The bytes of a hexadecimal text in lower case.
+/// The bytes that a hexadecimal text in lower case stands for.
 std::string FromHex(const std::string& text) {
   const auto digit = [&](std::size_t index) { return text[index] <= '9' ? text[index] - '0' : text[index] - 'a' + 10; };
   std::string bytes;
@@ -27,7 +27,7 @@ std::string FromHex(const std::string& text) {
   return bytes;
 }
 
-/// The hash by which a catalog of that algorithm would list the file; empty if it is not known.
+/// The hash under which a catalog of that algorithm would list the file; empty if it is unknown.
 std::string MemberHashOf(const std::string& path, const Hashes& hashes, DigestAlgorithm algorithm) {
   const bool isImage = !hashes.imageSha256.empty();
   if (algorithm == DigestAlgorithm::Sha256) return isImage ? hashes.imageSha256 : hashes.fileSha256;
@@ -38,7 +38,7 @@ std::string MemberHashOf(const std::string& path, const Hashes& hashes, DigestAl
 }  // namespace
 
 struct Catalogs::Implementation {
-  /// The platform's catalogs where it can be asked for SHA-256, which it knows best; otherwise our own index.
+  /// Asks the platform where it can be asked about SHA-256, since it knows its catalogs best; otherwise our own index.
   CatalogStore& Store() {
     std::call_once(opened, [this] {
       store = OpenPlatformCatalogs();

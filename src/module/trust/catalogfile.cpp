@@ -7,7 +7,7 @@
 namespace trust {
 namespace {
 
-/// The largest of Windows itself have some million bytes.
+/// The largest catalogs of Windows itself have a few million bytes.
 constexpr std::size_t LargestCatalog = std::size_t{1} << 26;
 
 }  // namespace

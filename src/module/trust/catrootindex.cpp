@@ -11,7 +11,7 @@
 namespace trust {
 namespace {
 
-/// Names in `folder` that match, with the folder. Only folders, or only files.
+/// Paths of what matches in `folder`: either folders only or files only.
 std::vector<std::string> Entries(const std::string& folder, const char* pattern, bool folders) {
   std::vector<std::string> paths;
   WIN32_FIND_DATAW entry;
@@ -37,7 +37,7 @@ std::string CatRoot() {
 class CatRootIndex : public CatalogStore {
  public:
   CatRootIndex() {
-    // One folder for each kind of catalog, named by a GUID.
+    // There is one folder for each kind of catalog, named by a GUID.
     for (const std::string& folder : Entries(CatRoot(), "{*}", true)) {
       for (const std::string& catalog : Entries(folder, "*.cat", false)) {
         const CatalogFile file(catalog);
@@ -62,7 +62,7 @@ class CatRootIndex : public CatalogStore {
     return m_verdicts.emplace(catalog, AskAboutFile(catalog, CatalogFile(catalog).Encoded())).first->second;
   }
 
-  /// Digest, as bytes, to path.
+  /// From digest, as bytes, to path.
   std::multimap<std::string, std::string> m_catalogs;
   std::mutex m_mutex;
   std::map<std::string, PlatformVerdict> m_verdicts;

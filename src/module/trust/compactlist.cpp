@@ -101,7 +101,7 @@ class CompactReader final : public JsonPaths {
       m_lists.emplace_back();
     }
     if (path == "entries/") m_entries.Add();
-    // A member name can look like a path: then there may be no entry.
+    // There may be no entry, since a member name can look like a path.
     if (path == "entries//names/" && m_entries.size() > 0) m_entries.Latest().names.emplace_back();
   }
 

@@ -8,7 +8,7 @@ namespace {
 
 unsigned ByteAt(Bytes bytes, std::size_t index) { return static_cast<unsigned char>(bytes[index]); }
 
-/// Length of an element's content, and how many bytes tag and length take.
+/// The length of an element's content, and how many bytes its tag and length take.
 struct Extent {
   std::size_t header = 2;
   std::size_t content = 0;
@@ -56,7 +56,7 @@ void AppendUtf8(std::string& text, char32_t character) {
   }
 }
 
-/// The character at the beginning of `bytes`, which it takes away; U+FFFD for a byte that begins no character.
+/// Takes the first character off `bytes`; U+FFFD for a byte that begins no character.
 char32_t TakeUtf8(Bytes& bytes) {
   const unsigned first = ByteAt(bytes, 0);
   std::size_t tail = 0;
@@ -139,7 +139,7 @@ std::string OidText(Bytes content) {
     ended = (ByteAt(content, i) & 0x80) == 0;
     if (!ended) continue;
     if (text.empty()) {
-      // The first two components share a number.
+      // The first two components are in one number.
       const std::uint64_t first = std::min<std::uint64_t>(number / 40, 2);
       text = std::to_string(first) + "." + std::to_string(number - 40 * first);
     } else {

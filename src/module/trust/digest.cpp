@@ -63,7 +63,7 @@ void Digest::Add(Bytes bytes) {
   while (!bytes.empty() && !m_hash->failed) {
     constexpr std::size_t most = std::numeric_limits<ULONG>::max();
     const std::size_t size = std::min(bytes.size(), most);
-    // The platform reads them only, whatever the type of its parameter.
+    // The platform only reads them, although its parameter is not const.
     auto* const begin = reinterpret_cast<PUCHAR>(const_cast<char*>(bytes.data()));
     m_hash->failed = BCryptHashData(m_hash->hash.get(), begin, static_cast<ULONG>(size), 0) < 0;
     bytes.remove_prefix(size);

@@ -14,7 +14,7 @@ File::File(const std::string& path)
   if (!m_handle) {
     m_error = GetLastError();
   } else if (GetFileType(m_handle.get()) != FILE_TYPE_DISK) {
-    // Reading from a pipe or a console could take for ever.
+    // Reading from a pipe or a console might never end.
     m_error = ERROR_BAD_FILE_TYPE;
   } else if (!GetFileSizeEx(m_handle.get(), &size)) {
     m_error = GetLastError();
@@ -42,7 +42,7 @@ bool File::ReadAt(std::uint64_t offset, void* bytes, std::size_t size) {
 Bytes File::ReadBlock(std::uint64_t offset, std::string& block) {
   const auto wanted = static_cast<std::size_t>(std::min<std::uint64_t>(block.size(), m_size - offset));
   const std::size_t read = Read(offset, block.data(), wanted);
-  // The file became shorter while it was read.
+  // The file shrank while it was read.
   if (read == 0 && m_error == 0) m_error = ERROR_FILE_INVALID;
   return Bytes(block.data(), read);
 }

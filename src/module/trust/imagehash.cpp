@@ -12,14 +12,14 @@
 namespace trust {
 namespace {
 
-/// One digest of a run over a file, and where it goes.
+/// One of the digests computed in a pass over a file, and where its result goes.
 struct Running {
   Digest digest;
   bool ofImage;
   std::string* result;
 };
 
-/// Reads all of `file` once and gives every digest its bytes. Digests of the image need a layout.
+/// Reads `file` once and feeds its bytes to every digest. Digests of the image need a layout.
 bool ReadOnce(File& file, const std::optional<ImageLayout>& layout, std::vector<Running>& running) {
   const bool complete = file.ReadAll([&](std::uint64_t offset, Bytes block) {
     for (Running& one : running) {

@@ -3,7 +3,7 @@
 namespace trust {
 namespace {
 
-/// Numbers in images have their lowest byte first.
+/// Numbers in images are little-endian.
 std::optional<std::uint32_t> ReadNumber(const ReadAt& read, std::uint64_t offset, std::size_t size) {
   std::array<unsigned char, 4> bytes{};
   if (!read(offset, bytes.data(), size)) return std::nullopt;
@@ -24,7 +24,7 @@ std::optional<std::uint64_t> FindOptionalHeader(const ReadAt& read) {
   return *begin + fileHeaderSize;
 }
 
-/// Where the data directories begin, by the form of the optional header.
+/// Where the data directories begin, which depends on the kind of optional header.
 std::optional<std::uint64_t> FindDirectories(const ReadAt& read, std::uint64_t optionalHeader) {
   const auto magic = ReadWord(read, optionalHeader);
   if (magic == 0x10Bu) return optionalHeader + 96;
@@ -52,7 +52,7 @@ std::optional<ImageLayout> ReadImageLayout(std::uint64_t fileSize, const ReadAt&
   if (!offset || !size) return std::nullopt;
   layout.holes[1] = {entry, entry + 8};
   layout.namesCertificates = *offset != 0 || *size != 0;
-  // A table inside the headers or after the end of the file does not count: all bytes are covered then.
+  // A table within the headers or beyond the end of the file is ignored: then the hash covers all bytes.
   if (*size == 0 || *offset < layout.holes[1].end || *offset >= fileSize) return layout;
   layout.holes[2] = {*offset, std::min<std::uint64_t>(std::uint64_t{*offset} + *size, fileSize)};
   layout.padding = 0;

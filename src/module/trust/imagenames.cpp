@@ -7,7 +7,7 @@
 namespace trust {
 namespace {
 
-/// Some bytes of a file. Numbers are little-endian; what is outside is 0.
+/// A part of a file. Numbers are little-endian; bytes outside of it read as 0.
 class Part {
  public:
   Part() = default;
@@ -19,7 +19,7 @@ class Part {
   std::uint32_t Double(std::size_t offset) const {
     return Word(offset) | static_cast<std::uint32_t>(Word(offset + 2)) << 16;
   }
-  /// As much of it as is there.
+  /// As much of it as there is.
   Part Slice(std::size_t offset, std::size_t size) const {
     if (offset >= m_size) return {};
     return {m_begin + offset, std::min(size, m_size - offset)};
@@ -30,7 +30,7 @@ class Part {
   std::size_t m_size = 0;
 };
 
-// --- The way to the version resource
+// --- Finding the version resource
 
 std::vector<std::uint8_t> Read(const ReadFileBytes& read, std::uint64_t offset, std::size_t size) {
   std::vector<std::uint8_t> bytes(size);
@@ -53,17 +53,17 @@ class Image {
     const std::size_t optionalSize = pe.Word(20);
     const std::vector<std::uint8_t> optionalHeader = Read(read, peOffset + headers, optionalSize);
     const Part optional(optionalHeader.data(), optionalHeader.size());
-    // The third data directory, behind those of exports and imports.
+    // The third data directory, after those of exports and imports.
     constexpr std::uint16_t pe32Plus = 0x20B;
     m_resources = optional.Double((optional.Word(0) == pe32Plus ? 112 : 96) + 2 * 8);
     constexpr std::size_t sectionSize = 40;
     m_sections = Read(read, peOffset + headers + optionalSize, pe.Word(6) * sectionSize);
   }
 
-  /// Address of the resource directory; 0 if there is no such directory.
+  /// The address of the resource directory; 0 if there is none.
   std::uint32_t Resources() const { return m_resources; }
 
-  /// `size` bytes at `address`; empty unless one section of the file has all of them.
+  /// `size` bytes at `address`; empty unless a single section of the file contains all of them.
   std::vector<std::uint8_t> At(std::uint64_t address, std::size_t size) const {
     constexpr std::size_t sectionSize = 40;
     const Part sections(m_sections.data(), m_sections.size());
@@ -83,8 +83,8 @@ class Image {
   std::vector<std::uint8_t> m_sections;
 };
 
-/// Where an entry of the directory at `offset` of the resources leads: that of `id`, or the first one without. The
-/// highest bit says that it is a directory. Nullopt if there is no such entry.
+/// Where an entry of the resource directory at `offset` leads: the entry `id`, or the first one if no `id` is given.
+/// The highest bit is set for a directory. Nullopt if there is no such entry.
 std::optional<std::uint32_t> Entry(const Image& image, std::uint64_t offset, std::optional<std::uint32_t> id) {
   const std::vector<std::uint8_t> header = image.At(image.Resources() + offset, 16);
   const Part directory(header.data(), header.size());
@@ -102,7 +102,7 @@ std::optional<std::uint32_t> Entry(const Image& image, std::uint64_t offset, std
 std::vector<std::uint8_t> VersionResource(const Image& image) {
   constexpr std::uint32_t isDirectory = 0x80000000;
   constexpr std::uint32_t versionType = 16;
-  // The block has a length of 16 bits.
+  // The length of the block is a 16-bit number.
   constexpr std::size_t largest = 0xFFFF;
   if (image.Resources() == 0) return {};
   const auto type = Entry(image, 0, versionType);
@@ -116,7 +116,7 @@ std::vector<std::uint8_t> VersionResource(const Image& image) {
   return image.At(data.Double(0), std::min<std::size_t>(data.Double(4), largest));
 }
 
-// --- The version resource itself: blocks of a key, a value and further blocks
+// --- Reading the version resource: blocks of a key, a value and further blocks
 
 void AppendUtf8(std::uint32_t character, std::string& text) {
   const auto more = [&](unsigned shift) { text += static_cast<char>(0x80 | (character >> shift & 0x3F)); };
@@ -137,7 +137,7 @@ void AppendUtf8(std::uint32_t character, std::string& text) {
   }
 }
 
-/// UTF-16 up to its end; half a character becomes U+FFFD.
+/// The UTF-16 text up to its terminator; half a character becomes U+FFFD.
 std::string TextOf(Part bytes) {
   std::string text;
   for (std::size_t at = 0; at + 1 < bytes.size(); at += 2) {
@@ -164,7 +164,7 @@ struct Block {
   Part children;
 };
 
-/// The block at the beginning of `bytes`, and behind it what is left.
+/// The block at the beginning of `bytes`, and the bytes after it.
 std::optional<Block> TakeBlock(Part& bytes) {
   constexpr std::size_t header = 6;
   const std::size_t length = bytes.Word(0);
@@ -176,7 +176,7 @@ std::optional<Block> TakeBlock(Part& bytes) {
   std::size_t keyEnd = header;
   while (keyEnd + 1 < length && block.Word(keyEnd) != 0) keyEnd += 2;
   const std::size_t valueBegin = Aligned(keyEnd + 2);
-  // Of a text it counts characters, by most tools.
+  // For a text, most tools store the number of characters here, not of bytes.
   const bool isText = block.Word(4) == 1;
   const std::size_t valueSize = std::size_t{block.Word(2)} * (isText ? 2 : 1);
   taken.value = block.Slice(valueBegin, valueSize);
@@ -184,7 +184,7 @@ std::optional<Block> TakeBlock(Part& bytes) {
   return taken;
 }
 
-/// The block of `bytes` with the key, or the first one for an empty key.
+/// The block in `bytes` that has the key, or the first block for an empty key.
 std::optional<Block> FindBlock(Part bytes, std::string_view key) {
   while (std::optional<Block> block = TakeBlock(bytes)) {
     if (key.empty() || block->key == key) return block;

@@ -20,7 +20,7 @@ bool IsEqual(std::string_view a, std::string_view b) {
   return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) { return Lower(x) == Lower(y); });
 }
 
-/// Where there is a rule, it must hold.
+/// If there is a rule, it must hold.
 bool Holds(std::string_view rule, std::string_view text) { return rule.empty() || rule == "*" || IsEqual(rule, text); }
 
 bool IsWithin(const NameRule& rule, const std::optional<FileVersion>& version) {
@@ -38,13 +38,13 @@ bool HoldsOne(const std::vector<NameRule>& rules, const ImageNames& names) {
   return std::any_of(rules.begin(), rules.end(), [&names](const NameRule& rule) { return Holds(rule, names); });
 }
 
-/// The certificate that the rule names is known to be in the chain.
+/// The certificate that the rule names is already known to be in the chain.
 bool Holds(const SignerRule& rule, const SignerFacts& signer) {
   return (rule.publisher.empty() || (!signer.chain.empty() && rule.publisher == signer.chain.front().subject)) &&
          (rule.programName.empty() || rule.programName == signer.programName);
 }
 
-/// By what hints are found: a name, and which of the names it is.
+/// What hints are looked up by: a name, and which of an image's names it is.
 std::string HintKey(char which, const std::string& name) { return which + Lower(name); }
 
 std::string HintKey(const NameRule& rule) {
@@ -54,7 +54,7 @@ std::string HintKey(const NameRule& rule) {
   return HintKey('d', rule.description);
 }
 
-/// The surest way by which each entry knows the image.
+/// The most certain way in which each entry matches the image.
 using Kinds = std::map<std::size_t, MatchKind>;
 
 void Note(Kinds& kinds, std::size_t entry, MatchKind kind) {

@@ -18,7 +18,7 @@ std::string WholeText(std::streambuf& text) {
   }
 }
 
-/// Passes over blanks.
+/// Skips blanks.
 int FirstCharacter(std::streambuf& text) {
   int c = text.sgetc();
   while (c == ' ' || c == '\t' || c == '\r' || c == '\n') c = text.snextc();

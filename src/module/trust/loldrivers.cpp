@@ -12,7 +12,7 @@ using Orvane::JsonType;
 
 bool Contains(std::string_view text, std::string_view part) { return text.find(part) != std::string_view::npos; }
 
-/// Makes entries of the array. Members that it does not know are passed over: the list gains some now and then.
+/// Turns the array into entries. Unknown members are skipped: the list gains new ones now and then.
 class LolReader final : public JsonPaths {
  public:
   bool HasEntries() const { return m_entries.size() > 0 && m_entries.Hashes() > 0; }
@@ -72,7 +72,7 @@ class LolReader final : public JsonPaths {
     if (path == "FileVersion") m_version = text;
   }
 
-  /// Where both are known, they make a hint.
+  /// If both are known, they make a hint.
   void EndSample() {
     const std::optional<FileVersion> version = ParseFileVersion(m_version);
     if (m_name.empty() || !version) return;
@@ -101,10 +101,10 @@ class LolReader final : public JsonPaths {
   }
 
   Entries m_entries;
-  /// Of the sample that is read.
+  /// Members of the sample being read.
   std::string m_name;
   std::string m_version;
-  /// When the newest entry was.
+  /// The day of the newest entry.
   std::string m_created;
 };
 

@@ -1,4 +1,4 @@
-// What is asked here came with Windows 8; an earlier one is not asked.
+// The functions asked here came with Windows 8; earlier versions are not asked.
 #undef _WIN32_WINNT
 #define _WIN32_WINNT 0x0602
 #include <windows.h>
@@ -6,7 +6,7 @@
 // After windows.h, in this order.
 #include <bcrypt.h>
 #include <wincrypt.h>
-// mscat.h needs the one before.
+// mscat.h needs it.
 #include <mscat.h>
 #include <softpub.h>
 
@@ -23,7 +23,7 @@ using AcquireContext2 = BOOL(WINAPI*)(HCATADMIN*, const GUID*, const WCHAR*, con
 void ReleaseAdministrator(HCATADMIN administrator) { CryptCATAdminReleaseContext(administrator, 0); }
 using Administrator = Orvane::UniqueHandle<HCATADMIN, &ReleaseAdministrator>;
 
-/// Import libraries do not all have it, and Windows 7 does not.
+/// Not in all import libraries, and not in Windows 7.
 AcquireContext2 FindAcquireContext2() {
   const HMODULE module = GetModuleHandleW(L"wintrust.dll");
   if (module == nullptr) return nullptr;
@@ -41,12 +41,12 @@ Administrator Acquire(AcquireContext2 acquire, DigestAlgorithm algorithm) {
 
 /// The paths of the catalogs that list `hash`.
 std::vector<std::string> CatalogsWith(HCATADMIN administrator, std::string hash) {
-  // A file is in one catalog or two; the bound is for a platform that comes to no end.
+  // A file is in one catalog or two; the limit is for a platform whose list never ends.
   constexpr std::size_t most = 64;
   std::vector<std::string> paths;
   HCATINFO current = nullptr;
   while (paths.size() < most) {
-    // The call releases the one before.
+    // The call releases the previous one.
     HCATINFO previous = current;
     current = CryptCATAdminEnumCatalogFromHash(administrator, reinterpret_cast<BYTE*>(hash.data()),
                                                static_cast<DWORD>(hash.size()), 0, &previous);
@@ -66,7 +66,7 @@ class PlatformCatalogs : public CatalogStore {
 
   std::vector<CatalogVerdict> Ask(const std::string& path, const MemberHash& hash) override {
     std::vector<CatalogVerdict> verdicts;
-    // One of its own for each question, so that threads share nothing.
+    // Each question has its own, so that threads share nothing.
     const Administrator administrator = Acquire(m_acquire, hash.algorithm);
     if (!administrator) return verdicts;
     for (const std::string& catalog : CatalogsWith(administrator.get(), hash.bytes)) {

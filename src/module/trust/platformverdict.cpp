@@ -1,5 +1,5 @@
-// The member of WINTRUST_CATALOG_INFO for the administrator came with Windows 8; an earlier one is never asked about
-// members.
+// The member of WINTRUST_CATALOG_INFO for the catalog administrator came with Windows 8; earlier versions are never
+// asked about members of catalogs.
 #undef _WIN32_WINNT
 #define _WIN32_WINNT 0x0602
 #include "trust/platformverdict.h"
@@ -8,7 +8,7 @@
 
 // After windows.h.
 #include <wincrypt.h>
-// mscat.h needs the one before.
+// mscat.h needs it.
 #include <mscat.h>
 #include <softpub.h>
 #include <wintrust.h>
@@ -21,7 +21,7 @@
 namespace trust {
 namespace {
 
-/// The chain of the first signer, which the others do not change.
+/// The chain of the first signer; further signers do not change it.
 void ReadChain(HANDLE state, PlatformVerdict& verdict) {
   CRYPT_PROVIDER_DATA* const provider = WTHelperProvDataFromStateData(state);
   CRYPT_PROVIDER_SGNR* const signer =
@@ -42,7 +42,7 @@ PlatformVerdict Ask(WINTRUST_DATA& question) {
   question.dwUIChoice = WTD_UI_NONE;
   question.fdwRevocationChecks = WTD_REVOKE_NONE;
   question.dwProvFlags = WTD_CACHE_ONLY_URL_RETRIEVAL;
-  // The driver action judges less: expired and untrusted signers pass in places.
+  // The action for drivers is less strict: on some platforms, expired and untrusted signers pass.
   GUID action = WINTRUST_ACTION_GENERIC_VERIFY_V2;
   const auto nobody = static_cast<HWND>(INVALID_HANDLE_VALUE);
 
@@ -55,7 +55,7 @@ PlatformVerdict Ask(WINTRUST_DATA& question) {
   return verdict;
 }
 
-/// Members are tagged by their hash, in upper case.
+/// The tag of a member is its hash in upper case.
 std::wstring MemberTag(const std::string& hash) {
   std::string tag = Hex(hash);
   std::transform(tag.begin(), tag.end(), tag.begin(),

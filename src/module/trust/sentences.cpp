@@ -53,7 +53,7 @@ std::string OwnSentence(std::uint32_t code) {
 
 std::string SentenceFor(std::uint32_t code) {
   const std::string sentence = Orvane::ErrorText(code);
-  // If the system has no message, the number replaces it.
+  // If the system has no message, the number takes its place.
   return sentence == "error " + std::to_string(code) ? OwnSentence(code) : sentence;
 }
 

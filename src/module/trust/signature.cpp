@@ -10,7 +10,7 @@
 namespace trust {
 namespace {
 
-/// What the image itself holds of a signature.
+/// What the image itself contains of a signature.
 struct EmbeddedSignature {
   bool isNamed = false;
   std::string table;
@@ -26,7 +26,7 @@ EmbeddedSignature ReadEmbedded(const std::string& path) {
   if (!layout) return embedded;
   embedded.isNamed = layout->namesCertificates;
   const FileRange table = layout->Certificates();
-  // Real ones have some ten thousand bytes.
+  // Real ones have a few tens of thousands of bytes.
   constexpr std::uint64_t most = 1 << 24;
   if (table.end - table.begin > most) return embedded;
   embedded.table.resize(static_cast<std::size_t>(table.end - table.begin));
@@ -34,7 +34,7 @@ EmbeddedSignature ReadEmbedded(const std::string& path) {
   return embedded;
 }
 
-/// The hash of the image by `algorithm`, from those that are there where possible.
+/// The hash of the image by `algorithm`, taken from those already computed where possible.
 std::string ImageHash(const std::string& path, const Hashes& hashes, DigestAlgorithm algorithm) {
   std::string hash;
   if (algorithm == DigestAlgorithm::Sha256) hash = hashes.imageSha256;

@@ -1,6 +1,6 @@
 #include "trust/signaturestate.h"
 
-// Before the others.
+// Before the other headers.
 #include <windows.h>
 
 #include <wincrypt.h>
@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::uint32_t Code(HRESULT code) { return static_cast<std::uint32_t>(code); }
 
-/// The platform finds no signature, or knows no way in which a file of this kind could have one.
+/// The platform finds no signature, or does not know how a file of this kind could be signed.
 constexpr std::uint32_t NoSignature[] = {Code(TRUST_E_NOSIGNATURE), Code(TRUST_E_SUBJECT_FORM_UNKNOWN)};
 
 /// The platform could not check it. Windows errors may also be reported as HRESULTs.
@@ -47,13 +47,13 @@ constexpr std::uint32_t CouldNotLook[] = {
     Code(TRUST_E_FAIL),
 };
 
-/// The platform's code for an error of a chain.
+/// The platform's code for an error in a chain.
 struct ChainError {
   std::uint32_t error;
   std::uint32_t code;
 };
 
-/// What weighs more comes first. Revocation that is not known comes last: it hides nothing else.
+/// Graver errors come first. Unknown revocation comes last, so that it hides nothing else.
 constexpr ChainError ChainErrors[] = {
     {CERT_TRUST_IS_EXPLICIT_DISTRUST, Code(TRUST_E_EXPLICIT_DISTRUST)},
     {CERT_TRUST_IS_REVOKED, Code(CERT_E_REVOKED)},
@@ -82,7 +82,7 @@ std::uint32_t Find(const ChainError (&errors)[Count], std::uint32_t chainErrors,
   return otherwise;
 }
 
-/// The code of a chain that is in error.
+/// The code for a chain that has an error.
 std::uint32_t CodeOfChain(std::uint32_t errors) {
   if ((errors & ~AnyRevocationError) == 0) return Find(RevocationErrors, errors, Code(CERT_E_CHAINING));
   return Find(ChainErrors, errors, Code(CERT_E_CHAINING));
@@ -104,7 +104,7 @@ SignatureState StateOfCode(std::uint32_t code, bool hasSignature) {
 
 Judgement Judge(const Evidence& evidence) {
   if (evidence.code != 0) return {StateOfCode(evidence.code, evidence.hasSignature), evidence.code};
-  // The platform said yes, which is not enough everywhere.
+  // The platform accepted the signature, which is not enough on every platform.
   if (!evidence.hasChain) return {SignatureState::Unknown, Code(TRUST_E_FAIL)};
   if (evidence.chainErrors != 0) {
     const std::uint32_t code = CodeOfChain(evidence.chainErrors);

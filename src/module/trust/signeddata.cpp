@@ -35,7 +35,7 @@ void ForEachAttribute(Bytes attributes, Take take) {
   }
 }
 
-/// SpcSpOpusInfo: the name, [0], is either of two-byte characters, [0], or of ASCII, [1].
+/// SpcSpOpusInfo: the name, [0], is either a text of two-byte characters, [0], or of ASCII, [1].
 std::string ReadProgramName(DerReader values) {
   constexpr unsigned char wide = 0x80;
   const auto info = values.Content(DerSequence);
@@ -45,7 +45,7 @@ std::string ReadProgramName(DerReader values) {
   return text->tag == wide ? Utf16BigEndianText(text->content) : StringText(*text);
 }
 
-/// Signed data up to its signers.
+/// The parts of signed data.
 struct Content {
   std::string type;
   /// Without tag and length.
@@ -70,8 +70,8 @@ std::optional<Content> ReadContent(Bytes encoded) {
   return Content{OidText(*type), content->content, parts};
 }
 
-/// A stamp of RFC 3161: signed data, whose content is a sequence within octets. Its own signature is not looked at, nor
-/// stamps in it, so that stamps within stamps lead nowhere.
+/// A time stamp of RFC 3161: signed data, whose content is a sequence within an octet string. Neither its own signature
+/// nor stamps within it are looked at, so that nested stamps lead nowhere.
 std::optional<TimeStamp> ReadTimeStamp(Bytes encoded) {
   const auto token = ReadContent(encoded);
   if (!token || token->type != TimeStampType) return std::nullopt;
@@ -121,7 +121,7 @@ std::optional<SignerParts> ReadSignerParts(Bytes signerInfo) {
   return signer;
 }
 
-/// A stamp of PKCS #9: a signature of the signature, with its time among the signed attributes.
+/// A time stamp of PKCS #9: a signature over the signature, with the time among its signed attributes.
 std::optional<TimeStamp> ReadCounterSignature(DerReader values) {
   const auto encoded = values.Content(DerSequence);
   const auto signer = encoded ? ReadSignerParts(*encoded) : std::nullopt;

@@ -11,7 +11,7 @@ bool Contains(const std::vector<std::string>& identifiers, std::string_view oid)
   return std::find(identifiers.begin(), identifiers.end(), oid) != identifiers.end();
 }
 
-/// The digest of `bytes` by the algorithm of that identifier; empty for one that is not known here.
+/// The digest of `bytes` by the algorithm with that identifier; empty for an unknown algorithm.
 std::string DigestBy(std::string_view oid, Bytes bytes) {
   const auto algorithm = DigestAlgorithmOf(oid);
   return algorithm ? DigestOf(*algorithm, bytes) : std::string();
@@ -28,7 +28,7 @@ Certificate Describe(const X509& certificate) {
   return described;
 }
 
-/// Each certificate is followed by the one that its issuer names. Certificates may name each other in a circle.
+/// Each certificate is followed by that of its issuer. Certificates may name each other in a circle.
 std::vector<X509> ChainWithin(const SignedData& data, const X509& signer) {
   constexpr std::size_t longest = 16;
   std::vector<X509> chain{signer};
@@ -53,7 +53,7 @@ std::vector<X509> ChainOf(const SignedData& data, const std::vector<std::string>
   return isOfSigner ? chain : ChainWithin(data, *signer);
 }
 
-/// The time of the first stamp that is made for this signature: one copied from another file says nothing.
+/// The time of the first stamp that was made for this signature: one copied from another file says nothing.
 std::string StampedTime(const SignerInfo& signer) {
   for (const TimeStamp& stamp : signer.timeStamps) {
     const std::string imprint = DigestBy(stamp.digestAlgorithm, signer.signature);

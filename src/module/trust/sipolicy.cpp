@@ -16,7 +16,8 @@ using pugi::xml_node;
 
 [[noreturn]] void Damaged(const std::string& what) { throw InputProblem("is damaged: " + what); }
 
-/// A policy can restrict more than is checked here, and a rule without its restriction would match too much.
+/// A policy can contain restrictions that are not checked here, and a rule without its restriction would match too
+/// much.
 [[noreturn]] void Unknown(const std::string& id, const std::string& what) {
   throw InputProblem("contains a rule that cannot be checked: " + id + " has " + what);
 }
@@ -30,7 +31,7 @@ std::string Lower(std::string text) {
   return text;
 }
 
-/// Hashes of an image's pages have no other mark than what their rule is called.
+/// Only the name of its rule tells that a hash is one of an image's pages.
 bool IsOfPages(const xml_node& rule) {
   return Lower(Text(rule, "FriendlyName")).find("hash page") != std::string::npos;
 }
@@ -42,7 +43,7 @@ std::string DriverName(const std::string& friendlyName) {
   return name.substr(0, name.find_last_not_of(' ') + 1);
 }
 
-/// "CVE-2018-5701" wherever it is.
+/// An identifier such as "CVE-2018-5701", anywhere in the text.
 std::vector<std::string> CvesIn(const std::string& text) {
   std::vector<std::string> cves;
   for (std::size_t at = text.find("CVE-"); at != std::string::npos; at = text.find("CVE-", at + 1)) {
@@ -64,7 +65,7 @@ constexpr std::array<std::string_view, 8> NameAttributes = {
     "ID",          "FriendlyName",    "FileName",           "InternalName",
     "ProductName", "FileDescription", "MinimumFileVersion", "MaximumFileVersion"};
 
-/// What a FileAttrib, or a Deny without hash, asks of the version resource.
+/// What a FileAttrib, or a Deny without a hash, demands of the version resource.
 NameRule NameRuleOf(const xml_node& rule) {
   for (const xml_attribute& attribute : rule.attributes()) {
     if (std::find(NameAttributes.begin(), NameAttributes.end(), attribute.name()) == NameAttributes.end()) {
@@ -98,7 +99,7 @@ class PolicyReader {
 
   std::vector<KnownEntry> Read() {
     for (const xml_node& scenario : m_policy.child("SigningScenarios").children("SigningScenario")) {
-      // That of drivers. The other one, 12, is of programs.
+      // The scenario of drivers. The other one, 12, is that of programs.
       if (Text(scenario, "Value") == "131") ReadScenario(scenario.child("ProductSigners"));
     }
     return m_entries.Take();
@@ -165,7 +166,7 @@ class PolicyReader {
     }
     if (rule.tbsHash.empty()) Damaged("the signer " + entry.id + " has no hash");
     entry.signer = std::move(rule);
-    // The policy calls it after the authority.
+    // The policy names the signer after the authority.
     if (!entry.signer->publisher.empty()) entry.name = entry.signer->publisher;
     if (entry.names.size() == 1 && !entry.names.front().originalName.empty()) {
       entry.name = entry.names.front().originalName;
@@ -183,7 +184,7 @@ class PolicyReader {
 
 KnownContent ReadPolicy(const std::string& xml) {
   pugi::xml_document document;
-  // What a document type could define is never looked at; a policy has no use for one.
+  // Nothing that a document type could define is looked at; a policy has no use for one.
   const pugi::xml_parse_result parsed =
       document.load_buffer(xml.data(), xml.size(), pugi::parse_default | pugi::parse_doctype, pugi::encoding_utf8);
   const xml_node policy = document.child("SiPolicy");

@@ -6,7 +6,7 @@
 namespace trust {
 namespace {
 
-/// The digest of one member: that of the indirect data among its attributes.
+/// The digest of a member, from the indirect data among its attributes.
 std::optional<Bytes> ReadMember(Bytes member) {
   DerReader reader(member);
   const auto identifier = reader.Content(DerOctets);
@@ -19,7 +19,7 @@ std::optional<Bytes> ReadMember(Bytes member) {
     const auto listed = ParseIndirectData(values.Content(DerSequence).value_or(Bytes()));
     if (listed) return listed->digest;
   }
-  // Short catalogs of version 2 have the digest as the member's identifier alone.
+  // Short catalogs of version 2 have no digest other than the member's identifier.
   constexpr std::size_t sha256Size = 32;
   if (identifier && identifier->size() == sha256Size) return identifier;
   return std::nullopt;
@@ -30,7 +30,7 @@ std::optional<Bytes> ReadMember(Bytes member) {
 std::vector<Bytes> ParseTrustList(Bytes content) {
   std::vector<Bytes> digests;
   DerReader reader(content);
-  // Before the members: version, usage, identifier, number, dates, algorithm; some may be missing.
+  // The members follow version, usage, identifier, number, dates and algorithm, some of which may be missing.
   reader.Next(DerInteger);
   if (!reader.Next(DerSequence)) return digests;
   reader.Next(DerOctets);

@@ -7,7 +7,7 @@
 namespace trust {
 namespace {
 
-/// The object identifiers at the head of each element of a sequence of sequences, or of a sequence of identifiers.
+/// The object identifiers in a sequence: its elements, or the first of each element that is a sequence itself.
 std::vector<std::string> ReadIdentifiers(Bytes sequence) {
   std::vector<std::string> identifiers;
   DerReader outer(sequence);
@@ -63,7 +63,7 @@ std::optional<X509> ParseX509(Bytes encoded) {
   certificate.signatureAlgorithm = OidText(*algorithmOid);
 
   DerReader reader(toBeSigned->content);
-  // The version, which is missing in version 1.
+  // The version, which certificates of version 1 do not state.
   reader.Next(DerContext0);
   const auto serial = reader.Content(DerInteger);
   const auto innerAlgorithm = reader.Next(DerSequence);
@@ -80,21 +80,21 @@ std::optional<X509> ParseX509(Bytes encoded) {
 }
 
 bool KeyUsagesAreWhole(Bytes encoded) {
-  // Wherever it is: the platform may take for a certificate what the reader here does not.
+  // Wherever it stands: the platform may accept a certificate that this reader does not.
   constexpr Bytes keyUsage = "\x06\x03\x55\x1D\x0F";
   for (std::size_t at = encoded.find(keyUsage); at != Bytes::npos; at = encoded.find(keyUsage, at + 1)) {
     DerReader extension(encoded.substr(at + keyUsage.size()));
     // Whether it is critical.
     extension.Next(DerBoolean);
     DerReader value(extension.Content(DerOctets).value_or(Bytes()));
-    // How many bits of the last byte do not count, and one byte at least.
+    // The number of unused bits in the last byte, and at least one byte.
     if (value.Content(DerBitString).value_or(Bytes()).size() < 2) return false;
   }
   return true;
 }
 
 std::string DisplayName(Bytes name) {
-  // By preference.
+  // In order of preference.
   constexpr std::string_view attributes[] = {"2.5.4.3", "2.5.4.10", "2.5.4.11"};
   std::array<std::string, std::size(attributes)> texts;
   DerReader outer(name);
