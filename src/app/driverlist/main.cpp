@@ -22,7 +22,7 @@ int RunWithLogFile(const Options& options) {
   if (!unopened.empty()) return Fail(trouble, "cannot open the log file " + options.logFile + ": " + unopened);
   const int exitCode = RunCommand(options);
   const std::string unwritten = log.Problem();
-  // Other trouble has had its sentence.
+  // Other problems have been reported already.
   if (unwritten.empty() || exitCode == trouble) return exitCode;
   return Fail(trouble, "cannot write the log file " + options.logFile + ": " + unwritten);
 }

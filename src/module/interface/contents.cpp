@@ -17,7 +17,7 @@ using Derive = std::string (*)(const Record&);
 
 }  // namespace
 
-/// Where the texts that follow from others have their places: one for each member, and how many there are.
+/// The places of texts that are derived from others: one for each member, and their number.
 struct DerivedPlaces {
   DerivedPlaces() {
     for (const Member& member : inventory::Members()) {

@@ -21,14 +21,14 @@ namespace {
 using inventory::Inventory;
 using inventory::Member;
 
-/// `pointer`, which must not be null; `what` says in the sentence what it is.
+/// `pointer`, which must not be null; `what` names it in the sentence.
 template <typename T>
 T* Needed(T* pointer, const char* what) {
   if (pointer == nullptr) throw Failure(DRIVERINVENTORY_E_ARGUMENT, std::string(what) + " is null.");
   return pointer;
 }
 
-/// A place that the caller wants filled, empty until then.
+/// A place for the result, empty until there is one.
 template <typename T>
 T* Cleared(T* place, const char* what) {
   *Needed(place, what) = T();
@@ -63,7 +63,7 @@ class Bytes : public std::streambuf {
   std::size_t m_length;
 };
 
-/// Reads a snapshot; `subject` begins the sentence of what is wrong with it.
+/// Reads a snapshot; `subject` begins the sentence about what is wrong with it.
 Inventory ReadSnapshot(std::streambuf& text, const std::string& subject) {
   try {
     return inventory::ReadSnapshot(text);

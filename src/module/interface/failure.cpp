@@ -4,8 +4,8 @@
 
 #include <cstdlib>
 #include <cstring>
-// For what it does while the library is loaded: it makes the locale of streams. Left to the first stream, winpthreads
-// crashes where it finds no memory for that.
+// Included for its effect while the library is loaded: it initialises the locale of streams. If that is left to the
+// first stream, winpthreads crashes when memory is short.
 #include <iostream>
 
 #include "interface/exclusive.h"
@@ -18,13 +18,13 @@ namespace {
 
 constexpr char OutOfMemory[] = "Memory ran out.";
 
-/// Frees the sentence of a thread that ends.
+/// Frees the sentence of a thread that is ending.
 void WINAPI FreeSentence(void* sentence) {
   if (sentence != OutOfMemory) std::free(sentence);
 }
 
-/// A place for each thread, which Windows clears when a thread ends and, unlike the compiler's thread_local, also for
-/// threads that go on when the library is unloaded.
+/// A slot for each thread, which Windows frees when a thread ends and, unlike the compiler's thread_local, also when
+/// the library is unloaded while the thread goes on.
 class Places {
  public:
   Places() : m_index(FlsAlloc(&FreeSentence)) {}

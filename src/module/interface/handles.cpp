@@ -11,11 +11,11 @@
 namespace flat {
 namespace {
 
-/// Never a user's address: a handle that is taken for one faults at once.
+/// Never an address of user space: using a handle as a pointer faults at once.
 constexpr std::uintptr_t Mark = std::uintptr_t{0xD11B} << 48;
 
 struct Slot {
-  /// The handle that is open here; 0 if no handle is.
+  /// The handle that is open in this slot; 0 if none is.
   std::atomic<std::uintptr_t> handle{0};
   std::unique_ptr<const Contents> contents;
 };

@@ -15,18 +15,18 @@ namespace {
 constexpr std::uint32_t AllKinds =
     DRIVERINVENTORY_SERVICES | DRIVERINVENTORY_DEVICES | DRIVERINVENTORY_PACKAGES | DRIVERINVENTORY_CHIPSETS;
 
-/// What every version of the structure has.
+/// What every version of the structure contains.
 constexpr std::uint32_t SmallestSize = offsetof(driverinventory_options, kinds) + sizeof(std::uint32_t);
 
-/// No structure of any version is that long: it would be one whose size was never set.
+/// No version of the structure is this long: its size was never set.
 constexpr std::uint32_t LargestSize = 4096;
 
-/// More is a count that was never set.
+/// A larger count was never set.
 constexpr std::uint32_t MostLists = 4096;
 
 [[noreturn]] void Refuse(const char* sentence) { throw Failure(DRIVERINVENTORY_E_ARGUMENT, sentence); }
 
-/// The options that this version knows. Those behind them must not be set.
+/// The options that this version knows. Those after them must not be set.
 driverinventory_options KnownPart(const driverinventory_options* options) {
   driverinventory_options known{};
   if (options == nullptr) return known;

@@ -37,7 +37,7 @@ bool Copy(const std::string& text, char* buffer, std::size_t size, DWORD* needed
   return true;
 }
 
-/// What `get` writes of a directory, in the manner of such calls: its length, or what it needs.
+/// What `get` writes for a directory. Like Windows, it returns the length of the path, or the size that it needs.
 template <typename Get>
 UINT Directory(Get get, char* buffer, UINT size) {
   std::array<wchar_t, MAX_PATH> wide{};
@@ -49,7 +49,7 @@ UINT Directory(Get get, char* buffer, UINT size) {
 
 bool IsText(DWORD type) { return type == REG_SZ || type == REG_EXPAND_SZ || type == REG_MULTI_SZ; }
 
-/// `bytes` of UTF-16, with all zeros in it.
+/// `bytes` as UTF-16, including any zeros in them.
 std::string TextFrom(const std::vector<wchar_t>& text, DWORD bytes) {
   return Utf8FromWide({text.data(), std::min<std::size_t>(bytes / sizeof(wchar_t), text.size())});
 }
@@ -117,7 +117,7 @@ BOOL EnumServicesStatusUtf8(SC_HANDLE manager, DWORD type, DWORD state, ENUM_SER
   DWORD wideSize = 0;
   EnumServicesStatusW(manager, type, state, nullptr, 0, &wideSize, count, resume);
   if (services == nullptr) {
-    // A character of two bytes needs three at most.
+    // Two bytes of UTF-16 become at most three of UTF-8.
     *needed = wideSize * 2;
     return FALSE;
   }
@@ -126,7 +126,7 @@ BOOL EnumServicesStatusUtf8(SC_HANDLE manager, DWORD type, DWORD state, ENUM_SER
   const BOOL isAll = EnumServicesStatusW(manager, type, state, wide.data(), room, needed, count, resume);
   if (!isAll && GetLastError() != ERROR_MORE_DATA) return FALSE;
   const auto* const begin = reinterpret_cast<const char*>(wide.data());
-  // The structures at the beginning, the names from the end on.
+  // The structures are at the beginning, and the names fill the buffer from its end.
   char* end = reinterpret_cast<char*>(services) + bufferSize;
   const DWORD found = std::min<DWORD>(*count, static_cast<DWORD>(wide.size()));
   for (*count = 0; *count < found; ++*count) {
@@ -147,7 +147,7 @@ SC_HANDLE OpenServiceUtf8(SC_HANDLE manager, const char* name, DWORD access) {
 }
 
 BOOL QueryServiceConfigUtf8(SC_HANDLE service, QUERY_SERVICE_CONFIGA* config, DWORD bufferSize, DWORD* needed) {
-  // The largest that there is.
+  // The largest configuration that Windows allows.
   alignas(QUERY_SERVICE_CONFIGW) std::array<char, 8192> buffer{};
   auto* const wide = reinterpret_cast<QUERY_SERVICE_CONFIGW*>(buffer.data());
   if (!QueryServiceConfigW(service, wide, static_cast<DWORD>(buffer.size()), needed)) return FALSE;
@@ -181,7 +181,7 @@ BOOL VerQueryValueUtf8(const void* block, const char* path, void** value, UINT* 
   if (std::string_view(path).substr(0, texts.size()) != texts || *value == nullptr) return TRUE;
   text = Utf8FromWide(BoundedText(static_cast<const wchar_t*>(*value), *length));
   *value = text.data();
-  // With the zero, unless there is nothing at all.
+  // Including the zero, unless it is empty.
   if (*length > 0) *length = static_cast<UINT>(text.size() + 1);
   return TRUE;
 }

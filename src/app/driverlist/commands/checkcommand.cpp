@@ -21,7 +21,7 @@ PolicyCheck Checked(const Policy& policy, const inventory::Inventory& inventory,
   return inventory::Check(policy, inventory);
 }
 
-/// One after the other: only what was found of a machine is kept.
+/// Machine by machine: of each, only the findings are kept.
 std::vector<PolicyCheck> Checked(const Policy& policy, const Options& options) {
   std::vector<PolicyCheck> checks;
   for (const std::string& path : options.fromEach) {

@@ -8,7 +8,7 @@ namespace {
 
 using inventory::Column;
 
-/// Those of `columns` that have a `place`, in its order.
+/// Those of `columns` that have a `place`, in the order of places.
 std::vector<Column> Placed(const std::vector<Column>& columns, unsigned Column::*place, bool isVerified) {
   std::vector<Column> placed;
   std::copy_if(columns.begin(), columns.end(), std::back_inserter(placed), [place, isVerified](const Column& column) {

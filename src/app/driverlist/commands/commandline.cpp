@@ -8,7 +8,7 @@ namespace driverlist {
 std::unique_ptr<CLI::App> MakeCommandLine(Options& options, std::size_t helpWidth) {
   auto app = std::make_unique<CLI::App>(std::string(ProgramDescription), "driverlist");
   app->formatter(std::make_shared<HelpText>(helpWidth));
-  // A name such as "/tmp/list.csv" is no option. The commands inherit that.
+  // A name such as "/tmp/list.csv" is not an option. Commands inherit this setting.
   app->allow_windows_style_options(false);
   app->set_version_flag("--version", "driverlist " + inventory::ToolVersion(), "Print the version");
   app->require_subcommand(1);

@@ -57,7 +57,7 @@ constexpr std::string_view End = R"ps1(  }
 }
 )ps1";
 
-/// A PowerShell text in which every character is itself.
+/// A PowerShell text in which every character stands for itself.
 std::string Quoted(std::string_view text) {
   std::string quoted = "'";
   for (const char c : text) {
@@ -76,7 +76,7 @@ bool EndsWith(std::string_view text, std::string_view end) {
 std::string Values(const OptionEntry& option) {
   std::string values;
   for (const std::string& choice : option.choices) {
-    // A condition goes on with its sign.
+    // A condition continues with its sign.
     values += (values.empty() ? "" : ", ") + Quoted(option.type == "CONDITION" ? choice + "=" : choice);
   }
   return "@(" + values + ")";
@@ -95,7 +95,7 @@ std::string CompletionScript() {
   for (const CommandOptions& command : OptionTable()) {
     script += "    " + Quoted(command.command->name) + " = @{\n";
     for (const OptionEntry& option : command.options) {
-      // An argument that nothing is offered for is the name of a file.
+      // An argument without suggestions is the name of a file.
       if (!option.isArgument || !option.choices.empty()) script += Line(option);
     }
     script += "    }\n";

@@ -14,7 +14,7 @@ namespace {
 
 inventory::Comparison Compared(const Options& options) {
   inventory::Inventory before = ReadSnapshotFile(options.file);
-  // What only one of the two knows cannot be compared.
+  // What only one of the two inventories knows cannot be compared.
   Options live = options;
   live.verify = inventory::IsVerified(before);
   inventory::Comparer comparer(std::move(before));

@@ -4,7 +4,7 @@
 namespace driverlist {
 namespace {
 
-/// What is not there yet cannot be the older one.
+/// A file that does not exist yet cannot be the older one.
 void RefuseLiveAsOld(const Options& options) {
   if (options.file != Live) return;
   const std::string file = options.newFile == Live ? "FILE" : options.newFile;

@@ -25,7 +25,7 @@ struct Report {
   std::optional<Hiding> hiding;
 };
 
-/// Hides what the baseline at `path` has.
+/// Hides the findings that the baseline at `path` contains.
 void Hide(const std::string& path, const inventory::Baseline& baseline, Report& report) {
   try {
     RequireComparable(baseline, report.inventory);
@@ -38,7 +38,7 @@ void Hide(const std::string& path, const inventory::Baseline& baseline, Report& 
 }
 
 Report Examined(const Options& options) {
-  // Before the machine is read, which takes longer.
+  // Read before the machine, which takes longer.
   std::optional<inventory::Baseline> baseline;
   if (!options.baseline.empty()) baseline = ReadInputFile(options.baseline, &inventory::ReadBaseline);
   Report report{ChosenInventory(options), {}, {}};

@@ -45,7 +45,7 @@ void AddExamination(CLI::App& command, Options& options) {
   AddFrom(command, options);
 }
 
-/// Sets what follows from several options, and throws for those that make no sense together.
+/// Sets what follows from several options. Throws if they make no sense together.
 void Interpret(const CLI::App& command, Options& options) {
   RefuseTogether(command, "--from", "--host-id");
   RefuseTogether(command, "--from", "--known");

@@ -13,11 +13,11 @@
 namespace driverlist {
 namespace {
 
-/// What the other columns of the table need at most, with the gaps.
+/// The most that the other columns of the table need, with the gaps.
 constexpr std::size_t WidthOfNames = 45;
 constexpr std::size_t Narrowest = 20;
 
-/// Meanings go on below where there is no more room; 0 for as much as they need.
+/// The width of meanings, which continue below; 0 for as much as they need.
 TextRows Rows(std::size_t room) {
   TextRows rows;
   for (const inventory::MemberDescription& member : inventory::MemberDescriptions()) {

@@ -11,10 +11,10 @@
 namespace driverlist {
 namespace {
 
-/// A narrower terminal shows lines of this width in pieces.
+/// Lines are never made narrower than this; a narrower terminal breaks them.
 constexpr std::size_t Narrowest = 30;
 constexpr std::size_t NamesWidth = 30;
-/// Where that leaves too little for descriptions, they go below the names.
+/// If that leaves too little room for descriptions, they go below the names.
 constexpr std::size_t WidthForTwoColumns = 70;
 constexpr std::size_t NamesWidthAbove = 6;
 /// The options of a command are indented once more where all commands are shown.
@@ -28,7 +28,7 @@ std::string Lines(const std::string& text, std::size_t width, const std::string&
   return lines;
 }
 
-/// `text` with each of its lines further to the right.
+/// `text` with each of its lines indented.
 std::string Indented(const std::string& text) {
   std::string indented = text.empty() ? "" : "  ";
   for (std::size_t i = 0; i < text.size(); ++i) {
@@ -74,7 +74,7 @@ std::string HelpText::make_usage(const CLI::App* app, std::string name) const {
 }
 
 std::string HelpText::make_option_opts(const CLI::Option* option) const {
-  // That a file is required is in the usage; that a value has a default is no matter of its form.
+  // The usage tells that a file is required, and a default is not a matter of form.
   const std::string type = TypeOf(*option);
   return type.empty() ? std::string() : " " + type;
 }

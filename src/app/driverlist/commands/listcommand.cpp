@@ -26,9 +26,9 @@ using inventory::Records;
 struct List {
   ListHead head;
   Table table;
-  /// What the rows of the table are; empty when they are no records of the inventory.
+  /// The records behind the rows of the table; empty if the rows are not records of the inventory.
   Records records;
-  /// For a page: what deserves a look in the whole inventory, and notes on that, where its images were verified.
+  /// For a page: the findings about the whole inventory and, if its images were verified, notes on them.
   std::optional<std::vector<inventory::Finding>> findings = std::nullopt;
   std::vector<std::string> notes = {};
 };
@@ -39,7 +39,7 @@ bool IsChosen(const Record& record, const Options& options) {
   return isOfKind && (!options.thirdPartyOnly || inventory::IsThirdParty(record));
 }
 
-/// The library's listing, as it is.
+/// The library's listing, unchanged.
 List ListedDrivers(const Options& options, inventory::ListingMode mode) {
   const Progress progress(WantsProgress(options));
   return {{inventory::ThisMachine(options.hostId), std::string(inventory::ModeName(mode))},
@@ -67,7 +67,7 @@ List Listed(const Options& options) {
   return options.mode ? ListedDrivers(options, *options.mode) : ListedRecords(options);
 }
 
-/// Those of `records` that the rows with those indexes show.
+/// The `records` that the rows with these indexes show.
 Records PartOf(Records records, const std::vector<std::size_t>& rows) {
   Records part;
   for (const std::size_t row : rows) {
@@ -76,7 +76,7 @@ Records PartOf(Records records, const std::vector<std::size_t>& rows) {
   return part;
 }
 
-/// How many of each there are in `rows` of `list`.
+/// How many records of each kind there are in `rows` of `list`.
 List Counted(List list, const std::vector<std::size_t>& rows, const Options& options) {
   Table groups = Grouped(list.table, rows, options.groupBy);
   std::vector<std::size_t> shown(groups.rows.size());
@@ -87,7 +87,7 @@ List Counted(List list, const std::vector<std::size_t>& rows, const Options& opt
   return {std::move(list.head), driverlist::PartOf(std::move(groups), shown, columns), {}};
 }
 
-/// Of `list`, what the user selected.
+/// The part of `list` that the user selected.
 List Selected(List list, const Options& options) {
   std::vector<std::size_t> rows = ChosenRows(list.table, options.selection, list.head.head.time);
   if (!options.groupBy.empty()) return Counted(std::move(list), rows, options);
@@ -98,7 +98,7 @@ List Selected(List list, const Options& options) {
 }
 
 /// The table of `list`. Columns that the user asked for stay on a narrow page, and so do those of groups, which no
-/// option brings back.
+/// option would bring back.
 Table ForTerminal(Table table, const Options& options) {
   if (!options.columnsChosen && options.groupBy.empty()) return table;
   for (Column& column : table.columns) column.leavesAs = 0;

@@ -104,7 +104,7 @@ std::vector<SortColumn> SortIn(const std::vector<std::string>& texts, const std:
   return sort;
 }
 
-/// Throws for options that make no sense together.
+/// Throws if options make no sense together.
 void RefuseContradictions(const CLI::App& list, const Options& options) {
   constexpr std::pair<const char*, const char*> contradictions[] = {
       {"--kind", "--mode"},        {"--third-party", "--mode"},
@@ -117,7 +117,8 @@ void RefuseContradictions(const CLI::App& list, const Options& options) {
   RequireCsv(list, "--bom", options.format);
 }
 
-/// Throws for a condition that no record meets, which looks like good news. A snapshot may have been verified.
+/// Throws for a condition that no record can meet: the empty result would look like good news. The images of a snapshot
+/// may have been verified.
 void RefuseUnverified(const Options& options, const std::vector<Column>& columns) {
   if (options.verify || !options.from.empty()) return;
   for (const auto& alternative : options.selection.conditions) {
@@ -166,7 +167,7 @@ void AddForm(CLI::App& list, Options& options) {
   AddFlag(list, "--bom", options.csv.hasBom, "With --format csv: begin with a byte order mark, which Excel needs");
 }
 
-/// Which rows. What these options may name depends on the mode, so they are checked when that is known.
+/// Which rows. What these options may name depends on the mode, so they are checked once it is known.
 void AddConditions(CLI::App& list, Texts& texts, Options& options) {
   AddValue(
       list, "--match", [&options](const std::string& text) { options.selection.match = text; }, "TEXT",

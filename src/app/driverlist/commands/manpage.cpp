@@ -7,8 +7,8 @@
 namespace driverlist {
 namespace {
 
-/// `text` as text: a backslash and a hyphen mean something else to roff, and so do a dot and an apostrophe at the
-/// beginning of a line.
+/// `text`, escaped: a backslash and a hyphen mean something to roff, and so do a dot and an apostrophe at the beginning
+/// of a line.
 std::string Escaped(std::string_view text) {
   std::string escaped;
   if (!text.empty() && (text.front() == '.' || text.front() == '\'')) escaped = "\\&";

@@ -6,7 +6,8 @@
 namespace driverlist {
 namespace {
 
-/// One sentence about what is wrong with a command line, in words that do not know the library that read it.
+/// One sentence about what is wrong with a command line, in our own words rather than those of the library that parsed
+/// it.
 std::string Sentence(const CLI::ParseError& error) {
   const std::string text = error.what();
   const std::string subject = text.substr(0, text.find(':'));
@@ -27,7 +28,7 @@ std::string UnknownArguments(const std::vector<std::string>& arguments) {
   return sentence + ".";
 }
 
-/// Whether the arguments need no command in front.
+/// Whether the arguments need no command before them.
 bool NamesCommand(const std::vector<std::string>& arguments) {
   if (arguments.empty()) return false;
   const std::string& first = arguments.front();
@@ -46,7 +47,7 @@ ParsedCommandLine ParseCommandLine(const std::vector<std::string>& arguments, st
     app->parse(reversed);
     options.command = FindCommand(app->get_subcommands().front()->get_name())->command;
   } catch (const CLI::CallForHelp&) {
-    // Of the command, where there is one; else of all.
+    // Of the command if there is one, otherwise of all commands.
     return {std::nullopt, app->help("", CLI::AppFormatMode::All), 0};
   } catch (const CLI::CallForVersion&) {
     return {std::nullopt, app->version() + "\n", 0};

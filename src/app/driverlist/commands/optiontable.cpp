@@ -26,7 +26,7 @@ OptionEntry EntryOf(CLI::Option& option) {
 
 std::string TypeOf(const CLI::Option& option) {
   if (option.get_type_size() == 0) return std::string();
-  // CLI11 appends what its validators are called.
+  // CLI11 appends the names of its validators.
   const std::string type = option.get_type_name();
   return type.substr(0, type.find(':'));
 }

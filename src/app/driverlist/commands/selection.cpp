@@ -64,7 +64,7 @@ void Sort(const Table& table, const std::vector<SortColumn>& sort, std::vector<s
   std::transform(keys.begin(), keys.end(), rows.begin(), [](const RowKey& key) { return key.row; });
 }
 
-/// A row for each group, with the number of its rows; each has the values of its first.
+/// A row for each group, with the values of its first row and the number of its rows.
 std::vector<Row> CountedRows(const Table& table, const std::vector<std::size_t>& rows,
                              const std::vector<std::size_t>& places) {
   std::map<std::vector<std::string>, std::pair<Row, std::uint64_t>> groups;

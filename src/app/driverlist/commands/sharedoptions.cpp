@@ -3,7 +3,7 @@
 namespace driverlist {
 namespace {
 
-/// The name of the validator that holds what is offered.
+/// The name of the validator that holds the suggestions.
 constexpr char Choices[] = "choices";
 
 }  // namespace

@@ -21,7 +21,7 @@ inventory::Verification VerificationOf(const trust::KnownDrivers& known, Progres
   return verification;
 }
 
-/// Silence about known drivers must not be taken for their absence. An examination says so itself.
+/// Silence about known drivers must not be taken for their absence. An examination states this itself.
 void NoteMissingLists(const Options& options, const trust::KnownDrivers& known) {
   const bool isMissed = options.command == Command::List || options.command == Command::Snapshot;
   if (isMissed && known.Lists().empty() && !options.quiet) {

@@ -33,7 +33,7 @@ std::string BrokenRuleText(const PolicyRule& rule, const RuleResult& result, con
   return left == 0 ? text : text + Paragraph("and " + std::to_string(left) + " more", page.width);
 }
 
-/// "passed: a, b", as wide as the page; nothing when no rule has that state.
+/// "passed: a, b", wrapped to the page; empty if no rule has that state.
 std::string RulesLine(const Policy& policy, const PolicyCheck& check, RuleState state, const std::string& label,
                       const Page& page) {
   std::string names;

@@ -25,8 +25,8 @@ bool IsText(const inventory::Value& value) {
   return !std::holds_alternative<std::uint64_t>(value) && !std::holds_alternative<bool>(value);
 }
 
-/// A spreadsheet evaluates a field that begins so, also within quotation marks. It shows one that begins with an
-/// apostrophe as the text behind that.
+/// A spreadsheet evaluates a field that begins like this, even within quotation marks. After an apostrophe, it shows
+/// the field as text.
 bool LooksLikeFormula(const std::string& text) {
   constexpr std::string_view beginnings = "=+-@\t\r";
   return !text.empty() && beginnings.find(text.front()) != std::string_view::npos;
@@ -38,12 +38,12 @@ std::string TextOf(const Cell& cell, const CsvStyle& style) {
   return text;
 }
 
-/// A record whose fields are what `text` says of each of `items`.
+/// A record with a field for each of `items`, as `text` returns it.
 template <typename Items, typename Text>
 std::string Record(const Items& items, Text text) {
   std::string line;
   for (const auto& item : items) line += (&item == &items.front() ? "" : ",") + FieldText(text(item));
-  // A lone empty field would make an empty line, which many readers pass over.
+  // A lone empty field would make an empty line, which many readers skip.
   return (line.empty() ? Quoted(line) : line) + "\r\n";
 }
 

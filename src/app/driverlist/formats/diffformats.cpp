@@ -34,7 +34,7 @@ std::string Counts(const Comparison& comparison) {
   return counts + std::to_string(comparison.same) + " the same";
 }
 
-/// A row for each change; one without, for a record that came or went and has nothing else to show.
+/// A row for each change, or one without a change for a record that was added or removed and has nothing else to show.
 void AddRows(const Difference& difference, bool isFirstOfGroup, TextRows& rows) {
   const std::string indent = isFirstOfGroup ? "" : "  ";
   const inventory::Record& record = difference.Latest();

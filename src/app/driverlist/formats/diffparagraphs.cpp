@@ -18,10 +18,10 @@ using inventory::Difference;
 using inventory::DifferenceKind;
 
 constexpr std::size_t Indent = 2;
-/// Values get as much beside the names of their members, or go below them.
+/// Values that have less room than this beside the names of their members go below them.
 constexpr std::size_t Beside = 20;
 
-/// What happened to which record. Only what happened is coloured.
+/// What happened to which record; only the former is coloured.
 std::string Heading(const Difference& difference, std::size_t indent, const Page& page) {
   const std::string what(DifferenceName(difference.kind));
   const inventory::Record& record = difference.Latest();
@@ -33,8 +33,8 @@ std::string Heading(const Difference& difference, std::size_t indent, const Page
   return text;
 }
 
-/// "old -> new", behind `begin` blanks; where that is too long, the new value has lines of its own. Of a record that
-/// came or went its only value.
+/// "old -> new", indented by `begin` blanks; if that is too long, the new value has lines of its own. For a record that
+/// was added or removed, its only value.
 std::string ValuesText(const Change& change, bool isOfOneInventory, std::size_t begin, const Page& page) {
   constexpr std::string_view arrow = "-> ";
   const std::string before = inventory::TextOf(change.before);
@@ -47,7 +47,7 @@ std::string ValuesText(const Change& change, bool isOfOneInventory, std::size_t 
          Paragraph(after, page.width, begin + arrow.size()).replace(begin, arrow.size(), arrow);
 }
 
-/// A line for each change, or more where it is too long.
+/// A line for each change, or several if it is too long.
 std::string ChangesText(const Difference& difference, std::size_t indent, const Page& page) {
   const std::vector<Change> changes = ChangesOf(difference);
   std::size_t begin = 0;

@@ -16,15 +16,15 @@ using EvidenceRows = std::vector<EvidenceRow>;
 
 std::string NextStep(const EvidenceRow& row) { return "next: " + row.nextStep; }
 
-/// Columns of a page that the longest subject takes, with the gap behind it.
+/// The columns of a page that the longest subject takes, with the gap after it.
 std::size_t WidthOfSubjects(const EvidenceRows& rows) {
   std::size_t width = 0;
   for (const EvidenceRow& row : rows) width = std::max(width, Columns(Visible(row.subject)));
   return width + ColumnGap;
 }
 
-/// In less, evidence would be a column of single words. On a page of 40 columns none is beside its subject, so that all
-/// of a report looks the same.
+/// In less room, evidence would be a column of single words. On a page of 40 columns, none stands beside its subject,
+/// so that all of a report looks alike.
 constexpr std::size_t Readable = 38;
 
 std::string AsTable(const EvidenceRows& rows, Tone tone, const Page& page) {

@@ -21,7 +21,7 @@ std::vector<EvidenceRow> Rows(const std::vector<Finding>& findings) {
   return rows;
 }
 
-/// Days from one day to another, "2024-05-06" at their beginnings; nothing where one is no day.
+/// The days between two texts that begin with a day such as "2024-05-06"; nullopt if one of them does not.
 std::optional<long> DaysBetween(const std::string& from, const std::string& to) {
   const auto days = [](const std::string& text) -> std::optional<long> {
     int year = 0;
@@ -30,7 +30,7 @@ std::optional<long> DaysBetween(const std::string& from, const std::string& to) 
     if (std::sscanf(text.c_str(), "%4d-%2d-%2d", &year, &month, &day) != 3 || month < 1 || month > 12) {
       return std::nullopt;
     }
-    // Years that begin in March end with their leap day.
+    // Years begin in March here, so that a leap day is the last day of its year.
     const long marchYear = month > 2 ? year : year - 1;
     return 365 * marchYear + marchYear / 4 - marchYear / 100 + marchYear / 400 + (153 * ((month + 9) % 12) + 2) / 5 +
            day;

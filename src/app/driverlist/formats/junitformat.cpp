@@ -23,7 +23,7 @@ void Set(pugi::xml_node node, const char* name, const std::string& value) {
   node.append_attribute(name).set_value(Visible(value).c_str());
 }
 
-/// What CI systems add up.
+/// The counts that CI systems add up.
 void SetCounts(pugi::xml_node node, const std::vector<PolicyCheck>& checks) {
   std::size_t tests = 0;
   std::size_t failures = 0;
@@ -77,7 +77,7 @@ std::string FormatJUnit(const Policy& policy, const std::vector<PolicyCheck>& ch
     Set(suite, "name", check.head.host.empty() ? name : name + " on " + check.head.host);
     SetCounts(suite, {check});
     Set(suite, "time", "0");
-    // Readers of JUnit want a time without its zone.
+    // Readers of JUnit files expect a time without a zone.
     const std::string& time = check.head.time;
     if (!time.empty()) Set(suite, "timestamp", time.back() == 'Z' ? time.substr(0, time.size() - 1) : time);
     if (!check.head.host.empty()) Set(suite, "hostname", check.head.host);

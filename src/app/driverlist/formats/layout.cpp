@@ -6,7 +6,7 @@
 namespace driverlist {
 namespace {
 
-/// A text that is cut shorter than this says nothing any more.
+/// A text cut shorter than this tells nothing any more.
 constexpr std::size_t Readable = 6;
 
 using Widths = std::vector<std::size_t>;
@@ -35,7 +35,7 @@ Widths NaturalOf(const std::vector<ColumnNeeds>& columns, const std::vector<std:
 
 enum class Leaving { EmptyOnes, All };
 
-/// Lets the column go whose turn it is. False when all that are left stay.
+/// Removes the column whose turn it is to leave. False if all that are left stay.
 bool LetOneLeave(const std::vector<ColumnNeeds>& columns, Leaving leaving, std::vector<std::size_t>& shown) {
   const auto turn = [&columns, leaving](std::size_t column) {
     const bool stays = columns[column].leavesAs == 0 || (leaving == Leaving::EmptyOnes && !columns[column].isEmpty);
@@ -48,7 +48,7 @@ bool LetOneLeave(const std::vector<ColumnNeeds>& columns, Leaving leaving, std::
   return true;
 }
 
-/// Takes columns of the page off the widest that has more than its least, until a line fits.
+/// Narrows the widest column that is wider than its least, step by step, until a line fits.
 void FitDownTo(const Widths& least, Widths& widths, std::size_t width) {
   for (std::size_t line = LineWidth(widths); line > width; --line) {
     std::size_t widest = widths.size();

@@ -6,7 +6,7 @@
 namespace driverlist {
 namespace {
 
-/// `text` so that it means itself in a cell.
+/// `text`, escaped so that it stands for itself in a cell.
 std::string Escaped(std::string_view text) {
   constexpr std::string_view special = "\\`*_[]<>|~&#";
   std::string escaped;
@@ -17,7 +17,7 @@ std::string Escaped(std::string_view text) {
   return escaped;
 }
 
-/// A line whose cells are what `text` says of each of `items`.
+/// A line with a cell for each of `items`, as `text` returns it.
 template <typename Items, typename Text>
 std::string Line(const Items& items, Text text) {
   std::string line = "|";

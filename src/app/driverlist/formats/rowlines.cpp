@@ -10,7 +10,7 @@
 namespace driverlist {
 namespace {
 
-/// Texts get as much beside their titles, or go below them.
+/// Texts that have less room than this beside their titles go below them.
 constexpr std::size_t Beside = 20;
 constexpr std::size_t Indent = 2;
 

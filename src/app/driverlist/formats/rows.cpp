@@ -45,7 +45,7 @@ void AppendLine(const std::vector<RowColumn>& columns, const Layout& layout, con
   table += '\n';
 }
 
-/// Names the columns that are not shown; empty when all are.
+/// Names the columns that are not shown; empty if all are shown.
 std::string LeftOutText(const std::vector<RowColumn>& columns, const Layout& layout) {
   std::vector<std::string> names;
   for (std::size_t i = 0; i < columns.size(); ++i) {

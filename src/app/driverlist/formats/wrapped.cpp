@@ -7,7 +7,7 @@
 namespace driverlist {
 namespace {
 
-/// Where the code points that fit into `columns` end; behind the first one at least.
+/// Where the code points that fit into `columns` end; at least one counts as fitting.
 std::size_t EndOf(std::string_view utf8, std::size_t columns) {
   std::size_t end = 0;
   for (std::size_t width = 0; end < utf8.size();) {
@@ -19,7 +19,7 @@ std::size_t EndOf(std::string_view utf8, std::size_t columns) {
   return end;
 }
 
-/// Where the last folder of a path ends before `end`, unless that would leave a short line; else `end`.
+/// Where the last folder of a path ends before `end`, or `end` if that would leave a short line.
 std::size_t EndOfFolders(std::string_view utf8, std::size_t end) {
   const std::size_t separator = utf8.substr(0, end).rfind('\\');
   return separator == std::string_view::npos || separator < end / 2 ? end : separator + 1;

@@ -11,7 +11,7 @@ struct Range {
   char32_t last;
 };
 
-// Both tables are of Unicode 14, in order; gaps of characters yet to come belong to the range around them.
+// Both tables follow Unicode 14 and are sorted; gaps of unassigned characters belong to the range around them.
 
 // Marks that combine with the character before them, joiners, and the parts of a Hangul syllable behind the first.
 // Those of the historic scripts above U+FFFF are left out. clang-format off
@@ -81,7 +81,7 @@ bool IsIn(const Range (&ranges)[Size], char32_t c) {
 }  // namespace
 
 std::size_t ColumnsOf(char32_t c) {
-  // Below both tables, and most of what there is to show.
+  // Below both tables, as most text is.
   if (c < 0x300) return 1;
   if (IsIn(NoColumns, c)) return 0;
   return IsIn(TwoColumns, c) ? 2 : 1;

@@ -14,7 +14,7 @@ using Orvane::FileHandle;
 constexpr DWORD UnderstandsCodes = 0x0004;  // ENABLE_VIRTUAL_TERMINAL_PROCESSING, of Windows 10
 constexpr std::wstring_view PlainText = L"\x1B[0m";
 
-/// Set to anything, by convention; a variable that is empty forbids nothing.
+/// By convention, any value but an empty one counts.
 bool AreForbidden() { return GetEnvironmentVariableW(L"NO_COLOR", nullptr, 0) > 1; }
 
 bool Write(HANDLE console, std::wstring_view text) {
@@ -22,8 +22,8 @@ bool Write(HANDLE console, std::wstring_view text) {
   return WriteConsoleW(console, text.data(), static_cast<DWORD>(text.size()), &written, nullptr) != FALSE;
 }
 
-/// Whether consoles of this machine act on codes. Wine's takes the mode and then counts codes as text, so that they
-/// break lines in two and end in the middle of a code. Tried on a screen of its own, which nobody sees.
+/// Whether consoles of this machine act on codes. Wine's accepts the mode, but then counts codes as text, so that lines
+/// break too early, even within a code. Tried on a screen buffer of its own, which nobody sees.
 bool ConsolesActOnCodes() {
   const FileHandle screen(CreateConsoleScreenBuffer(GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
                                                     nullptr, CONSOLE_TEXTMODE_BUFFER, nullptr));
@@ -50,7 +50,7 @@ Colours::Colours(bool wanted) {
 }
 
 Colours::~Colours() {
-  // A terminal that is gone by now needs no former mode.
+  // A terminal that has gone by now does not need its mode restored.
   if (AreOn()) Restore();
 }
 

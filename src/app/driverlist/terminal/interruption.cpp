@@ -23,13 +23,13 @@ constexpr UINT InterruptedCode = 0xC000013A;
 
 /// Windows calls it on a new thread.
 BOOL WINAPI End(DWORD event) {
-  // The end of a session is for Windows to decide on: services hear of that of every user.
+  // Logging off and shutting down are left to Windows: services are told about the logoff of every user.
   if (event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT && event != CTRL_CLOSE_EVENT) return FALSE;
   std::unique_lock<Mutex> lock(UndoMutex(), std::defer_lock);
-  // Who hangs in a write to the terminal keeps it for ever.
+  // A thread that hangs in a write to the terminal keeps it for ever.
   constexpr std::chrono::seconds patience(1);
   if (lock.try_lock_for(patience)) UndoneWhenInterrupted::UndoAll();
-  // Not ExitProcess: it would have modules tidy up what threads that it ended were in the middle of.
+  // Not ExitProcess: it would run the clean-up of modules on data that interrupted threads have left half changed.
   TerminateProcess(GetCurrentProcess(), InterruptedCode);
   return TRUE;
 }

@@ -36,7 +36,7 @@ std::string OneLine(const std::string& text) {
   return line;
 }
 
-/// The log's own files look the same.
+/// The log's own lines look the same.
 std::string Formatted(int level, const char* file, int line, const std::string& text) {
   return std::string("[")
              .append(LocalTime())
@@ -52,7 +52,7 @@ std::wstring Numbered(const std::wstring& path, unsigned number) {
   if (number == 0) return path;
   const std::size_t name = path.find_last_of(L"\\/:") + 1;
   std::size_t dot = path.rfind(L'.');
-  // A name that begins with its only dot has no extension.
+  // A name whose only dot comes first has no extension.
   if (dot == std::wstring::npos || dot <= name) dot = path.size();
   return path.substr(0, dot) + L"." + std::to_wstring(number) + path.substr(dot);
 }

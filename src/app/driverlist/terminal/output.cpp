@@ -32,8 +32,7 @@ DWORD WriteBytes(HANDLE file, const std::string& text) {
   return ERROR_SUCCESS;
 }
 
-/// How much of `text`, which is not empty, goes to a console at once: it takes 64 KiB at most, and no half of a
-/// character.
+/// How much of `text`, which is not empty, to write to a console at once: at most 64 KiB, and only whole characters.
 std::size_t ConsoleChunk(std::wstring_view text) {
   constexpr std::size_t most = 8192;
   if (text.size() <= most) return text.size();
@@ -45,7 +44,7 @@ DWORD WriteConsoleText(HANDLE console, const std::string& text) {
   for (std::wstring_view left = wide; !left.empty();) {
     const std::size_t count = ConsoleChunk(left);
     DWORD written = 0;
-    // The last thing on the terminal of an interrupted process is what was undone.
+    // An interrupted process ends its output with the codes that restore the terminal.
     const Uninterrupted chunk;
     if (!WriteConsoleW(console, left.data(), static_cast<DWORD>(count), &written, nullptr)) return GetLastError();
     left.remove_prefix(count);
@@ -78,12 +77,12 @@ FileHandle OpenToWrite(const std::wstring& path, DWORD share, DWORD disposition)
 
 /// Zero, or the error of Windows.
 DWORD WriteNewFile(const std::wstring& path, const std::string& text) {
-  // Shared so far that an interruption can delete it.
+  // Shared, so that an interruption can delete it.
   FileHandle file = OpenToWrite(path, FILE_SHARE_DELETE, CREATE_ALWAYS);
   if (!file) return GetLastError();
   DWORD error = WriteBytes(file.get(), text);
   if (error == ERROR_SUCCESS && !FlushFileBuffers(file.get())) error = GetLastError();
-  // Closed by hand: a network drive may only now say that it has no room.
+  // Closed explicitly: a network drive may report only now that it is full.
   if (!CloseHandle(file.release()) && error == ERROR_SUCCESS) error = GetLastError();
   return error;
 }
@@ -95,18 +94,18 @@ constexpr wchar_t DraftSuffix[] = L".tmp";
 bool IsRunning(DWORD processId) {
   const ProcessHandle process(OpenProcess(SYNCHRONIZE, FALSE, processId));
   if (!process) return GetLastError() != ERROR_INVALID_PARAMETER;
-  // A process that ended is still there while someone holds it.
+  // A process that has ended still exists while someone holds a handle to it.
   return WaitForSingleObject(process.get(), 0) == WAIT_TIMEOUT;
 }
 
-/// The process in the name of a draft; 0, which writes none, for any other name.
+/// The identifier of the process in the name of a draft; 0, which no writing process has, for any other name.
 DWORD WriterOf(const std::wstring& draft, std::size_t numberAt) {
   wchar_t* end = nullptr;
   const unsigned long id = std::wcstoul(draft.c_str() + std::min(numberAt, draft.size()), &end, 10);
   return std::wstring_view(end) == DraftSuffix ? id : 0;
 }
 
-/// Removes the drafts of processes that were ended while they wrote. Those that cannot be removed stay.
+/// Removes the drafts of processes that ended while writing. Those that cannot be removed stay.
 void RemoveStaleDrafts(const std::wstring& path) {
   const std::wstring prefix = path + DraftPrefix;
   const std::size_t name = path.find_last_of(L"\\/:") + 1;
@@ -134,7 +133,7 @@ DWORD WriteAsideAndReplace(const std::wstring& path, const std::string& text) {
   return error;
 }
 
-/// The device called `path`, opened; empty when that is a file or nothing.
+/// Opens the device called `path`; empty if it is a file or does not exist.
 FileHandle OpenDevice(const std::wstring& path) {
   FileHandle opened = OpenToWrite(path, 0, OPEN_EXISTING);
   if (opened && GetFileType(opened.get()) == FILE_TYPE_DISK) opened.reset();

@@ -29,7 +29,8 @@ void Progress::Clear() const {
 
 void Progress::Show(const std::string& text) {
   if (!m_isOn) return;
-  // Writing to a terminal takes longer than reading a driver. Something else is news: it may be long in coming again.
+  // Writing to a terminal takes longer than reading a driver, so not every step is shown. A new phase always is, since
+  // its next step may take long.
   constexpr unsigned long long interval = 100;
   const unsigned long long now = GetTickCount64();
   const std::string topic = text.substr(0, text.find(' '));

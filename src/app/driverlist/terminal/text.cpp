@@ -22,7 +22,7 @@ struct CodePoint {
 struct Form {
   unsigned char mask;
   unsigned char lead;
-  /// The smallest value that may be written with so many bytes.
+  /// The smallest value that may be written with that many bytes.
   char32_t smallest;
 };
 
@@ -32,7 +32,7 @@ constexpr std::array<Form, 4> Forms = {
 
 bool IsScalar(char32_t value) { return value < 0xD800 || (value > 0xDFFF && value <= 0x10FFFF); }
 
-/// The first of `utf8`, which is not empty.
+/// The first character of `utf8`, which is not empty.
 CodePoint FirstOf(std::string_view utf8) {
   const auto byte = [utf8](std::size_t i) { return static_cast<unsigned char>(utf8[i]); };
   for (std::size_t i = 0; i < Forms.size(); ++i) {
@@ -107,7 +107,7 @@ std::string Cut(std::string_view utf8, std::size_t columns) {
   if (columns == 0) return std::string();
   if (Columns(utf8) <= columns) return std::string(utf8);
   std::size_t bytes = 0;
-  // One column is that of the ellipsis.
+  // One column is for the ellipsis.
   for (std::size_t left = columns - 1;;) {
     const CodePoint c = FirstOf(utf8.substr(bytes));
     if (ColumnsOf(c.value) > left) break;

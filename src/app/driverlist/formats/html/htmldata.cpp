@@ -45,7 +45,7 @@ Json ShownJson(const Value& value) {
   return Visible(inventory::TextOf(value));
 }
 
-/// Whether a saved file has another text than the page.
+/// Whether a saved file has a different text than the page.
 bool IsShownOtherwise(const Value& value) {
   const std::string text = inventory::TextOf(value);
   return Visible(text) != text;
@@ -75,7 +75,7 @@ std::string SortKey(const Value& version) {
   return inventory::IsKnownVersion(text) ? inventory::VersionKey(text) : std::string();
 }
 
-/// The position of each row in the order of versions, from 1; 0 for a row without version.
+/// The position of each row in the order of versions, from 1; 0 for a row without a version.
 Json RanksJson(const Table& table, std::size_t column) {
   std::vector<std::string> keys;
   for (const auto& row : table.rows) keys.push_back(SortKey(row[column].value));

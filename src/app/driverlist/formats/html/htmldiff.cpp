@@ -32,7 +32,7 @@ Column ColumnOf(std::string_view name, std::string_view label, unsigned width, V
   return column;
 }
 
-/// With the names of the JSON document. The last two are hidden until the reader asks for them.
+/// The names are those of the JSON document. The last two columns are hidden until the reader asks for them.
 std::vector<Column> DiffColumns() {
   return {ColumnOf("difference", "Difference", 11),
           ColumnOf("kind", "Kind", 8),

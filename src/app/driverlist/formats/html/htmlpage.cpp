@@ -11,7 +11,7 @@ namespace {
 
 using Data = std::map<std::string_view, std::string>;
 
-/// `skeleton` with data in its places. What was put in is not looked at again.
+/// `skeleton` with data in its places. What was inserted is not searched again.
 std::string Filled(std::string_view skeleton, const Data& data) {
   std::string page;
   for (;;) {

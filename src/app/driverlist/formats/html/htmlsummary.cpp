@@ -7,7 +7,7 @@
 namespace driverlist {
 namespace {
 
-/// A horizontal bar of `part` and, behind it, `whole` out of `most`.
+/// A horizontal bar of length `part` in front of one of length `whole`, where `most` is the full width.
 std::string BarImage(std::size_t part, std::size_t whole, std::size_t most) {
   const auto rectangle = [most](std::string_view cssClass, std::size_t length) {
     // The least that can be seen, for one among thousands.
@@ -26,7 +26,7 @@ std::string Bar(const Group& group, std::size_t most, bool isParted) {
   return Element("li", group.isUnknown ? "unknown" : "", bar) + "\n";
 }
 
-/// How many of what there are, such as "2 of 9 devices".
+/// A count and what it counts, such as "2 of 9 devices".
 std::string Figure(const std::string& label, std::size_t part, std::size_t whole, const std::string& thing) {
   return FigureHtml(label, part, "of " + std::to_string(whole) + " " + thing + (whole == 1 ? "" : "s"));
 }

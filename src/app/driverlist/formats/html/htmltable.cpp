@@ -22,7 +22,7 @@ std::string ClassOf(const Cell& cell, const Column& column) {
   return style + (style.empty() || tone.empty() ? "" : " ") + std::string(tone);
 }
 
-/// Each text in a line of its own.
+/// Each text on a line of its own.
 std::string Lines(const std::vector<std::string>& texts) {
   std::string lines;
   for (const std::string& text : texts) lines += (lines.empty() ? "" : "\n") + Breakable(text);
@@ -58,7 +58,7 @@ std::string RowHtml(const std::vector<Cell>& row, std::size_t index, const std::
   return html + "</tr>\n";
 }
 
-/// Characters of a column, with the blank space around them.
+/// The width of a column in characters, with the blank space around them.
 unsigned WidthOf(const Column& column) { return column.width + 2; }
 
 unsigned WholeWidth(const std::vector<Column>& columns) {

@@ -16,7 +16,7 @@ int Number(std::string_view digits) {
 }  // namespace
 
 bool IsIsoTime(std::string_view text) {
-  // A "0" is any digit.
+  // "0" stands for any digit.
   constexpr std::string_view shape = "0000-00-00T00:00:00Z";
   return std::equal(text.begin(), text.end(), shape.begin(), shape.end(),
                     [](char c, char form) { return form == '0' ? c >= '0' && c <= '9' : c == form; });

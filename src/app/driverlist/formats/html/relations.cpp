@@ -15,7 +15,7 @@ using inventory::Record;
 using inventory::Records;
 using Orvane::LowerCase;
 
-/// Records by a text in lower case.
+/// Indexes of records by a text in lower case.
 using Index = std::unordered_map<std::string, std::vector<std::size_t>>;
 
 /// Keeps the first few records that share a text: services can share an image, but in a damaged snapshot every record

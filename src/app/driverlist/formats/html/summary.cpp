@@ -28,7 +28,8 @@ void RemoveEmpty(std::vector<Group>& groups) {
   groups.erase(end, groups.end());
 }
 
-/// One group per text: those of `first` in their order, then the others, largest first, and those without one.
+/// One group per text: those of `first` in their order, then the others, largest first, then the records without a
+/// text.
 std::vector<Group> GroupsBy(const Records& records, Predicate isMeant, std::string Record::*text, const Labels& first) {
   std::map<std::string, Group> byText;
   for (std::size_t i = 0; i < records.size(); ++i) {
@@ -50,10 +51,10 @@ std::vector<Group> GroupsBy(const Records& records, Predicate isMeant, std::stri
   return groups;
 }
 
-/// The first few providers, and the others in one.
+/// The largest few providers, and one group for the others.
 std::vector<Group> Shortened(const std::vector<Group>& providers) {
   const auto unknown = std::find_if(providers.begin(), providers.end(), [](const Group& g) { return g.isUnknown; });
-  // One line for the others saves nothing when there is but one of them.
+  // A line for the others saves nothing if there is only one of them.
   if (unknown - providers.begin() <= static_cast<std::ptrdiff_t>(ProvidersShown) + 1) return providers;
   const auto rest = providers.begin() + ProvidersShown;
   std::vector<Group> shown(providers.begin(), rest);
@@ -76,7 +77,7 @@ std::vector<Group> GroupsByKind(const Records& records) {
   return groups;
 }
 
-/// Images of at least so many full years, and less than the next group has.
+/// Images that are at least this many years old, but younger than those of the next group.
 struct Age {
   std::string_view label;
   int fullYears;
@@ -86,7 +87,7 @@ constexpr std::array<Age, 5> Ages = {
 
 std::vector<Group> GroupsByAge(const Records& records, std::string_view now) {
   std::vector<Group> groups;
-  // Images of a group were made at its time at the latest.
+  // The latest time at which an image of the group can have been made.
   std::vector<std::string> times;
   for (const Age& age : Ages) {
     groups.push_back({std::string(age.label)});
