@@ -35,10 +35,10 @@ struct Layout {
 /// How far texts may be cut.
 enum class Cutting { DownToTheFloor, AsFarAsReadable };
 
-/// A layout with lines of up to `width` columns; 0 for no limit. There are four steps, each taken only if the one before
-/// was not enough: empty columns are left out; texts are cut, those of the widest column first, down to the floors of
-/// their columns; other columns are left out; texts are cut further, as far as `cutting` allows. Nothing if the lines
-/// are still too long.
+/// A layout with lines of up to `width` columns; 0 for no limit. There are four steps, each taken only if the one
+/// before was not enough: empty columns are left out; texts are cut, those of the widest column first, down to the
+/// floors of their columns; other columns are left out; texts are cut further, as far as `cutting` allows. Nothing if
+/// the lines are still too long.
 std::optional<Layout> LayOut(const std::vector<ColumnNeeds>& columns, std::size_t width, Cutting cutting);
 
 }  // namespace driverlist
