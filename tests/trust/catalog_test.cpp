@@ -109,10 +109,11 @@ class PlatformCatalogs : public TrustingMachine {
 
   test::ImportHook<&GetProcAddress> m_find{
       ThisProgram(), "GetProcAddress", [this](HMODULE module, const char* name) {
-        if (reinterpret_cast<std::uintptr_t>(name) > 0xFFFF && name == std::string("CryptCATAdminAcquireContext2")) {
+        const std::string function = reinterpret_cast<std::uintptr_t>(name) > 0xFFFF ? name : "";
+        if (function == "CryptCATAdminAcquireContext2") {
           return reinterpret_cast<FARPROC>(reinterpret_cast<void*>(&Acquire));
         }
-        return m_find.Real(module, name);
+        return function == "wine_get_version" ? nullptr : m_find.Real(module, name);
       }};
   test::ImportHook<&CryptCATAdminReleaseContext> m_release{ThisProgram(), "CryptCATAdminReleaseContext",
                                                            [this](HCATADMIN administrator, DWORD flags) -> BOOL {

@@ -32,8 +32,8 @@ class CatalogStore {
   virtual std::vector<CatalogVerdict> Ask(const std::string& path, const MemberHash& hash) = 0;
 };
 
-/// The platform's catalog database. Null if the platform has no database for SHA-256 hashes: before Windows 8, and if
-/// its function is a stub.
+/// The platform's catalog database. Null if the platform has no working database for SHA-256 hashes: before Windows 8,
+/// under Wine, and if its function is a stub.
 std::unique_ptr<CatalogStore> OpenPlatformCatalogs();
 
 /// Our own index of every catalog below CatRoot, built by this call. It never looks a hash up with the platform: a

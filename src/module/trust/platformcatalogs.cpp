@@ -13,6 +13,7 @@
 #include "platform/encoding.h"
 #include "platform/handles.h"
 #include "platform/platformtext.h"
+#include "platform/wine.h"
 #include "trust/catalogstore.h"
 
 namespace trust {
@@ -82,6 +83,9 @@ class PlatformCatalogs : public CatalogStore {
 }  // namespace
 
 std::unique_ptr<CatalogStore> OpenPlatformCatalogs() {
+  // Wine 10 accepts SHA-256, but finds nothing by it, and ends the process when a look-up by SHA-1 meets a catalog that
+  // is signed with SHA-256.
+  if (Orvane::IsWine()) return nullptr;
   const AcquireContext2 acquire = FindAcquireContext2();
   if (acquire == nullptr || !Acquire(acquire, DigestAlgorithm::Sha256)) return nullptr;
   return std::make_unique<PlatformCatalogs>(acquire);
