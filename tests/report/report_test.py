@@ -131,6 +131,9 @@ class Sorting(Page):
         self.header("Kind").click()
         self.assertEqual(self.names(), SORTING)
         self.assertEqual(self.sort_states(), {"Kind": "ascending"})
+        self.header("Kind").click()
+        self.assertEqual(self.names(), SORTING)
+        self.assertEqual(self.sort_states(), {"Kind": "descending"})
 
     def test_works_from_the_keyboard(self):
         self.element("#csv").send_keys(Keys.TAB)
