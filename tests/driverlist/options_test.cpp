@@ -4,6 +4,8 @@
 
 #include <sstream>
 
+#include "commands/commandtable.h"
+
 using namespace driverlist;
 using inventory::Kind;
 using inventory::ListingMode;
@@ -312,6 +314,13 @@ TEST(Options, PrintTheHelpOfEachCommand) {
     }
   }
   EXPECT_THAT(ParseCommandLine({"snapshot", "--help"}).text, testing::Not(HasSubstr("--mode")));
+}
+
+TEST(Options, AreExplainedForAllCommandsWithoutACommand) {
+  const std::string help = ParseCommandLine({"--help"}).text;
+  for (const CommandEntry& command : CommandTable()) EXPECT_THAT(help, HasSubstr(std::string(command.name)));
+  EXPECT_NE(help, ParseCommandLine({"list", "--help"}).text);
+  EXPECT_EQ(ParseCommandLine({"-h"}).text, help);
 }
 
 TEST(Options, AreExplainedInLinesThatFitATerminal) {
