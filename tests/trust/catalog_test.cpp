@@ -91,6 +91,7 @@ class PlatformCatalogs : public TrustingMachine {
     for (const char* const catalog : {"catalog-1.cat", "catalog-2.cat"}) test::RemoveCatalog(SamplePath(catalog));
     s_acquired.clear();
     s_open = 0;
+    m_isWindows = true;
   }
 
   static BOOL WINAPI Acquire(HCATADMIN* administrator, const GUID*, const WCHAR* algorithm,
@@ -107,13 +108,15 @@ class PlatformCatalogs : public TrustingMachine {
   static inline std::vector<std::wstring> s_acquired;
   static inline int s_open = 0;
 
+  /// What the platform says that it is.
+  bool m_isWindows = false;
   test::ImportHook<&GetProcAddress> m_find{
       ThisProgram(), "GetProcAddress", [this](HMODULE module, const char* name) {
         const std::string function = reinterpret_cast<std::uintptr_t>(name) > 0xFFFF ? name : "";
         if (function == "CryptCATAdminAcquireContext2") {
           return reinterpret_cast<FARPROC>(reinterpret_cast<void*>(&Acquire));
         }
-        return function == "wine_get_version" ? nullptr : m_find.Real(module, name);
+        return function == "wine_get_version" && m_isWindows ? nullptr : m_find.Real(module, name);
       }};
   test::ImportHook<&CryptCATAdminReleaseContext> m_release{ThisProgram(), "CryptCATAdminReleaseContext",
                                                            [this](HCATADMIN administrator, DWORD flags) -> BOOL {

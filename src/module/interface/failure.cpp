@@ -4,9 +4,7 @@
 
 #include <cstdlib>
 #include <cstring>
-// Included for its effect while the library is loaded: it initialises the locale of streams. If that is left to the
-// first stream, winpthreads crashes when memory is short.
-#include <iostream>
+#include <locale>
 
 #include "interface/exclusive.h"
 #include "inventory/input.h"
@@ -17,6 +15,10 @@ namespace flat {
 namespace {
 
 constexpr char OutOfMemory[] = "Memory ran out.";
+
+/// Makes the locale of streams while the library is loaded. If that is left to the first stream, winpthreads crashes
+/// when memory is short.
+const std::locale LocaleOfStreams;
 
 /// Frees the sentence of a thread that is ending.
 void WINAPI FreeSentence(void* sentence) {
