@@ -276,8 +276,14 @@ void CreateDriverService(const std::string& name, const std::string& imagePath, 
 void StartDriverService(const std::string& name) {
   const ServiceHandle manager = OpenManager(SC_MANAGER_CONNECT);
   const ServiceHandle service(OpenServiceW(manager.get(), WideFromUtf8(name).c_str(), SERVICE_START));
-  Require(service && (StartServiceW(service.get(), 0, nullptr) || GetLastError() == ERROR_SERVICE_ALREADY_RUNNING),
-          "starting the service " + name);
+  Require(static_cast<bool>(service), "opening the service " + name);
+  bool isStarted = StartServiceW(service.get(), 0, nullptr) != FALSE;
+  // Wine fails so while the process that ran the last drivers is ending.
+  for (int tries = 0; tries < 50 && !isStarted && GetLastError() == ERROR_INTERNAL_ERROR; ++tries) {
+    Sleep(100);
+    isStarted = StartServiceW(service.get(), 0, nullptr) != FALSE;
+  }
+  Require(isStarted || GetLastError() == ERROR_SERVICE_ALREADY_RUNNING, "starting the service " + name);
 }
 
 void DeleteDriverService(const std::string& name) {

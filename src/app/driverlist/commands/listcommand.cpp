@@ -28,7 +28,7 @@ struct List {
   Table table;
   /// The records behind the rows of the table; empty if the rows are not records of the inventory.
   Records records;
-  /// For a page: the findings about the whole inventory and, if its images were verified, notes on them.
+  /// For a page whose images were verified: the findings about the whole inventory, and notes on them.
   std::optional<std::vector<inventory::Finding>> findings = std::nullopt;
   std::vector<std::string> notes = {};
 };
