@@ -36,7 +36,7 @@ std::string ReadFileAt(const std::string& path) {
 }
 
 Store OpenRoots() {
-  // Wine 10 removes from the machine's store what is not in that of its host. Windows asks before it changes the user's.
+  // Wine 10 removes from the machine's store what its host does not trust. Windows asks before it changes the user's.
   const DWORD place = IsWine() ? CERT_SYSTEM_STORE_CURRENT_USER : CERT_SYSTEM_STORE_LOCAL_MACHINE;
   Store store(CertOpenStore(CERT_STORE_PROV_SYSTEM_W, 0, 0, place, L"ROOT"));
   Require(static_cast<bool>(store), "opening the trusted roots");
