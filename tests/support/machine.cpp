@@ -13,6 +13,7 @@
 
 #include "platform/encoding.h"
 #include "platform/handles.h"
+#include "platform/wine.h"
 
 namespace test {
 namespace {
@@ -183,7 +184,7 @@ std::wstring Hex4(WORD word) {
 
 }  // namespace
 
-bool IsWine() { return GetProcAddress(GetModuleHandleA("ntdll.dll"), "wine_get_version") != nullptr; }
+bool IsWine() { return Orvane::IsWine(); }
 
 std::string SystemDirectory() {
   char path[MAX_PATH];

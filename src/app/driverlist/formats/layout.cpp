@@ -66,19 +66,20 @@ std::optional<Layout> LayOut(const std::vector<ColumnNeeds>& columns, std::size_
   layout.shown.resize(columns.size());
   std::iota(layout.shown.begin(), layout.shown.end(), std::size_t{0});
   layout.widths = NaturalOf(columns, layout.shown);
-  while (width > 0 && LineWidth(layout.widths) > width && LetOneLeave(columns, Leaving::EmptyOnes, layout.shown)) {
+  if (width == 0) return layout;
+  while (LineWidth(layout.widths) > width && LetOneLeave(columns, Leaving::EmptyOnes, layout.shown)) {
     layout.widths = NaturalOf(columns, layout.shown);
   }
   Widths least = LeastOf(columns, layout.shown, Cutting::DownToTheFloor);
-  while (width > 0 && LineWidth(least) > width && LetOneLeave(columns, Leaving::All, layout.shown)) {
+  while (LineWidth(least) > width && LetOneLeave(columns, Leaving::All, layout.shown)) {
     least = LeastOf(columns, layout.shown, Cutting::DownToTheFloor);
   }
-  if (width > 0 && LineWidth(least) > width) {
+  if (LineWidth(least) > width) {
     least = LeastOf(columns, layout.shown, cutting);
     if (LineWidth(least) > width) return std::nullopt;
   }
   layout.widths = NaturalOf(columns, layout.shown);
-  if (width > 0) FitDownTo(least, layout.widths, width);
+  FitDownTo(least, layout.widths, width);
   return layout;
 }
 
